@@ -1,0 +1,46 @@
+// The exported functions of libmailslice. Every export has an undecorated (C) symbol name,
+// never lets an exception escape, and reports failure through its result.
+#ifndef MAILSLICE_EXPORTS_H
+#define MAILSLICE_EXPORTS_H
+
+#include <mailslice/cstring.h>
+#include <mailslice/visibility.h>
+
+#if defined(__clang__)
+#pragma clang diagnostic push
+// CString crosses the boundary by value although the names are undecorated.
+#pragma clang diagnostic ignored "-Wreturn-type-c-linkage"
+#endif
+
+extern "C" {
+
+// The message buffer: one loaded message at a time.
+MAILSLICE_API int MessageFileOpenAndMemoryAlloc(CString path);
+MAILSLICE_API void MessageMemoryFree();
+
+// Raw header values of the loaded message, unfolded and trimmed.
+MAILSLICE_API CString GetFrom();
+MAILSLICE_API CString GetTo();
+MAILSLICE_API CString GetCc();
+MAILSLICE_API CString GetBcc();
+MAILSLICE_API CString GetBody();  // the Bcc value, like GetBcc
+MAILSLICE_API CString GetDate();
+MAILSLICE_API CString GetSubject();
+MAILSLICE_API CString GetReplyTo();
+MAILSLICE_API CString GetDelivered1();
+MAILSLICE_API CString GetDelivered2();
+MAILSLICE_API CString GetDelivered3();
+MAILSLICE_API char* GetMessageText();  // owned by the library: the message buffer itself
+
+// Read state of message files.
+MAILSLICE_API char* OpeningMail(CString path);
+MAILSLICE_API int IsReadingMail(CString path);
+MAILSLICE_API int IsInitIndex(CString first, CString second);
+
+}  // extern "C"
+
+#if defined(__clang__)
+#pragma clang diagnostic pop
+#endif
+
+#endif  // MAILSLICE_EXPORTS_H

@@ -1,0 +1,20 @@
+// The library-wide instances. They are defined here, in one translation unit, so that they
+// are built in this order when the library is loaded and destroyed in the reverse order when
+// it is unloaded:
+//   1. the main mail parser,
+//   2. the encoder, 3. the Japanese converter, 4. the Base64 coder (with the codecs),
+//   5. the message buffer holder.
+#include "api/instances.h"
+
+namespace mailslice::api {
+namespace {
+
+MailParser g_mainParser;
+MessageBufferHolder g_messageBuffer;
+
+}  // namespace
+
+MailParser& MainParser() { return g_mainParser; }
+MessageBufferHolder& MessageBuffer() { return g_messageBuffer; }
+
+}  // namespace mailslice::api

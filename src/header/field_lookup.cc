@@ -1,0 +1,100 @@
+#include "header/field_lookup.h"
+
+#include <algorithm>
+
+#include "header/header_block.h"
+#include "platform/letter_case.h"
+
+namespace mailslice::header {
+namespace {
+
+enum class LineEnds { kCrLf, kLf };
+
+std::u16string Folded(std::u16string_view text) {
+  std::u16string folded(text);
+  std::transform(folded.begin(), folded.end(), folded.begin(), platform::ToLowerLetter);
+  return folded;
+}
+
+bool IsBlank(char16_t ch) { return ch == u' ' || ch == u'\t'; }
+
+// Where the value that starts at `start` ends: at the line break that is not followed by a
+// continuation line, or at the end of the block. Bare-LF headers look two characters ahead,
+// so a line that starts with a single blank after an LF does not continue the field.
+size_t ValueEnd(std::u16string_view text, size_t start, LineEnds lineEnds) {
+  auto at = [&](size_t i) { return i < text.size() ? text[i] : u'\0'; };
+  for (size_t i = start; i < text.size(); ++i) {
+    if (at(i) == u'\0') return i;
+    if (lineEnds == LineEnds::kCrLf && at(i) == u'\r' && at(i + 1) == u'\n' && !IsBlank(at(i + 2))) {
+      return i;
+    }
+    if (lineEnds == LineEnds::kLf && at(i) == u'\n' && !IsBlank(at(i + 2))) return i;
+  }
+  return text.size();
+}
+
+// Removes CR LF pairs until none is left (taking out one pair can bring a CR and an LF
+// together, and that pair goes too).
+std::u16string WithoutCrLfPairs(std::u16string_view text) {
+  std::u16string result;
+  result.reserve(text.size());
+  for (char16_t ch : text) {
+    if (ch == u'\n' && !result.empty() && result.back() == u'\r') {
+      result.pop_back();
+    } else {
+      result += ch;
+    }
+  }
+  return result;
+}
+
+// Joins the lines of a folded value. The blank that begins a continuation line is kept.
+std::u16string Unfold(std::u16string value, LineEnds lineEnds) {
+  size_t crlf = value.find(u"\r\n");
+  if (lineEnds == LineEnds::kLf) {
+    if (crlf != std::u16string::npos) value.erase(crlf, 1);  // the CR of the first CR LF
+    std::erase(value, u'\n');
+    return value;
+  }
+  if (crlf == std::u16string::npos) {
+    size_t lf = value.find(u'\n');
+    if (lf == std::u16string::npos) return value;
+    value.erase(lf, 2);  // a bare LF in a CR LF header takes the character after it along
+  }
+  return WithoutCrLfPairs(value);
+}
+
+}  // namespace
+
+CString LookupFieldInBlock(std::u16string_view headerBlock, std::u16string_view name,
+                           int occurrence) {
+  if (headerBlock.empty()) return CString();
+  // The leading line break lets a field on the first line match like any other.
+  std::u16string text = u"\r\n" + std::u16string(headerBlock);
+  std::u16string folded = Folded(text);
+  std::u16string pattern = u"\r\n" + Folded(name) + u":";
+  LineEnds lineEnds = LineEnds::kCrLf;
+  size_t match = folded.find(pattern);
+  if (match == std::u16string::npos) {
+    pattern = u"\n" + Folded(name) + u":";
+    lineEnds = LineEnds::kLf;
+    match = folded.find(pattern);
+  }
+  for (int skipped = 0; skipped < occurrence && match != std::u16string::npos; ++skipped) {
+    match = folded.find(pattern, match + pattern.size());
+  }
+  if (match == std::u16string::npos) return CString();
+  size_t start = match + pattern.size();
+  size_t end = ValueEnd(text, start, lineEnds);
+  std::u16string value = Unfold(text.substr(start, end - start), lineEnds);
+  std::replace(value.begin(), value.end(), u'\t', u' ');
+  CString result(std::move(value));
+  result.Trim();
+  return result;
+}
+
+CString LookupField(const char* message, std::u16string_view name, int occurrence) {
+  return LookupFieldInBlock(HeaderBlock(message), name, occurrence);
+}
+
+}  // namespace mailslice::header

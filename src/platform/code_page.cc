@@ -1,0 +1,178 @@
+// Linux implementation of the code-page conversions, on glibc iconv.
+#include "platform/code_page.h"
+
+#include <errno.h>
+#include <iconv.h>
+
+#include <bit>
+#include <cstring>
+#include <memory>
+#include <vector>
+
+#include "platform/device_settings.h"
+
+namespace mailslice::platform {
+namespace {
+
+constexpr const char* kUtf16Name =
+    std::endian::native == std::endian::little ? "UTF-16LE" : "UTF-16BE";
+// A code page name that iconv does not know is replaced by this one.
+constexpr const char* kFallbackCodePage = "CP1252";
+constexpr char16_t kReplacementCharacter = 0xFFFD;
+constexpr char kDefaultCharacter = '?';
+
+std::string IconvName(unsigned codePage) {
+  switch (codePage) {
+    case kAnsiCodePage: return AnsiCodePageName();
+    case kUtf7CodePage: return "UTF-7";
+    case kUtf8CodePage: return "UTF-8";
+    case 20866: return "KOI8-R";
+    case 28592: return "ISO-8859-2";
+    case 28596: return "ISO-8859-6";
+    case 50220: return "ISO-2022-JP";
+    case 51932: return "EUC-JP";
+    default: return "CP" + std::to_string(codePage);
+  }
+}
+
+// iconv descriptors are costly to open; each thread keeps the ones it used.
+class ConverterCache {
+ public:
+  ~ConverterCache() {
+    for (auto& entry : entries_) iconv_close(entry.descriptor);
+  }
+
+  iconv_t Get(const std::string& from, const std::string& to) {
+    for (auto& entry : entries_) {
+      if (entry.from == from && entry.to == to) {
+        iconv(entry.descriptor, nullptr, nullptr, nullptr, nullptr);  // back to the initial state
+        return entry.descriptor;
+      }
+    }
+    iconv_t descriptor = iconv_open(to.c_str(), from.c_str());
+    if (descriptor == reinterpret_cast<iconv_t>(-1)) return descriptor;
+    if (entries_.size() == kMaxEntries) {
+      iconv_close(entries_.front().descriptor);
+      entries_.erase(entries_.begin());
+    }
+    entries_.push_back({from, to, descriptor});
+    return descriptor;
+  }
+
+ private:
+  struct Entry {
+    std::string from, to;
+    iconv_t descriptor;
+  };
+  static constexpr size_t kMaxEntries = 16;
+  std::vector<Entry> entries_;
+};
+
+iconv_t Converter(std::string from, std::string to) {
+  thread_local ConverterCache cache;
+  iconv_t descriptor = cache.Get(from, to);
+  if (descriptor != reinterpret_cast<iconv_t>(-1)) return descriptor;
+  if (from != kUtf16Name) from = kFallbackCodePage;
+  if (to != kUtf16Name) to = kFallbackCodePage;
+  return cache.Get(from, to);
+}
+
+// What to do with input that iconv refuses: how many input bytes to pass over and what to
+// write instead, or stop the conversion.
+struct Refusal {
+  size_t skip = 0;
+  std::string_view replacement;
+  bool stop = false;
+};
+
+// Runs one whole conversion; `onRefusal` decides about each refused position (`incomplete`
+// tells an input that ends inside a character).
+template <typename OnRefusal>
+std::string Run(iconv_t descriptor, std::string_view input, OnRefusal onRefusal) {
+  std::string output(input.size() * 2 + 16, '\0');
+  char* in = const_cast<char*>(input.data());
+  size_t inLeft = input.size();
+  size_t written = 0;
+  while (true) {
+    char* out = output.data() + written;
+    size_t outLeft = output.size() - written;
+    size_t result = inLeft == 0 ? iconv(descriptor, nullptr, nullptr, &out, &outLeft)
+                                : iconv(descriptor, &in, &inLeft, &out, &outLeft);
+    written = output.size() - outLeft;
+    if (result != static_cast<size_t>(-1)) {
+      if (inLeft == 0) break;
+      continue;
+    }
+    if (errno == E2BIG) {
+      output.resize(output.size() * 2);
+      continue;
+    }
+    Refusal refusal = onRefusal(std::string_view(in, inLeft), errno == EINVAL);
+    if (written + refusal.replacement.size() > output.size()) {
+      output.resize(output.size() * 2 + refusal.replacement.size());
+    }
+    std::memcpy(output.data() + written, refusal.replacement.data(), refusal.replacement.size());
+    written += refusal.replacement.size();
+    if (refusal.stop) break;
+    in += refusal.skip;
+    inLeft -= refusal.skip;
+    iconv(descriptor, nullptr, nullptr, nullptr, nullptr);
+  }
+  output.resize(written);
+  return output;
+}
+
+std::string_view AsBytes(std::u16string_view text) {
+  return {reinterpret_cast<const char*>(text.data()), text.size() * sizeof(char16_t)};
+}
+
+std::u16string FromBytes(const std::string& bytes) {
+  std::u16string text(bytes.size() / sizeof(char16_t), u'\0');
+  std::memcpy(text.data(), bytes.data(), text.size() * sizeof(char16_t));
+  return text;
+}
+
+bool IsHighSurrogate(char16_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
+bool IsLowSurrogate(char16_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
+
+// Bytes taken by the UTF-16 character at the start of `rest`: a surrogate pair counts whole.
+size_t CharacterBytes(std::string_view rest) {
+  char16_t units[2] = {0, 0};
+  std::memcpy(units, rest.data(), std::min(rest.size(), sizeof(units)));
+  bool pair = rest.size() >= 4 && IsHighSurrogate(units[0]) && IsLowSurrogate(units[1]);
+  return pair ? 4 : 2;
+}
+
+}  // namespace
+
+std::u16string MultiByteToWide(unsigned codePage, std::string_view bytes) {
+  static const char16_t kReplacement[1] = {kReplacementCharacter};
+  const std::string_view replacement = AsBytes(std::u16string_view(kReplacement, 1));
+  iconv_t descriptor = Converter(IconvName(codePage), kUtf16Name);
+  return FromBytes(Run(descriptor, bytes, [&](std::string_view, bool incomplete) {
+    return Refusal{1, replacement, incomplete};
+  }));
+}
+
+std::string WideToMultiByte(unsigned codePage, std::u16string_view text) {
+  static const char kDefault[1] = {kDefaultCharacter};
+  iconv_t descriptor = Converter(kUtf16Name, IconvName(codePage));
+  return Run(descriptor, AsBytes(text), [&](std::string_view rest, bool incomplete) {
+    return Refusal{CharacterBytes(rest), std::string_view(kDefault, 1), incomplete};
+  });
+}
+
+std::string WideToMultiByteUntilFailure(std::u16string_view text) {
+  text = text.substr(0, text.find(u'\0'));
+  iconv_t descriptor = Converter(kUtf16Name, IconvName(kAnsiCodePage));
+  return Run(descriptor, AsBytes(text),
+             [](std::string_view, bool) { return Refusal{0, {}, true}; });
+}
+
+std::u16string AnsiToWide(std::string_view bytes) {
+  return MultiByteToWide(kAnsiCodePage, bytes);
+}
+
+std::string WideToAnsi(std::u16string_view text) { return WideToMultiByte(kAnsiCodePage, text); }
+
+}  // namespace mailslice::platform

@@ -1,0 +1,36 @@
+// Code-page conversions between 8-bit text and UTF-16, with the semantics the mail logic relies
+// on. Code page 0 is the device ANSI code page (an iconv name, see device_settings.h); 65000 is
+// UTF-7 and 65001 is UTF-8; any other number is the Windows code page of that number.
+#ifndef MAILSLICE_PLATFORM_CODE_PAGE_H
+#define MAILSLICE_PLATFORM_CODE_PAGE_H
+
+#include <string>
+#include <string_view>
+
+namespace mailslice::platform {
+
+inline constexpr unsigned kAnsiCodePage = 0;
+inline constexpr unsigned kUtf7CodePage = 65000;
+inline constexpr unsigned kUtf8CodePage = 65001;
+
+// 8-bit to UTF-16, like MultiByteToWideChar without MB_ERR_INVALID_CHARS: a byte that cannot
+// start a character of the code page becomes U+FFFD and the conversion goes on with the next
+// byte; an incomplete character at the end becomes one U+FFFD.
+std::u16string MultiByteToWide(unsigned codePage, std::string_view bytes);
+
+// UTF-16 to 8-bit, like WideCharToMultiByte with no default character given: a character that
+// the code page cannot hold (and an unpaired surrogate) becomes '?'.
+std::string WideToMultiByte(unsigned codePage, std::u16string_view text);
+
+// UTF-16 to the device ANSI code page, like the C library's wcstombs: the conversion stops at
+// the first NUL or at the first character that the code page cannot hold, and what was
+// converted before it is the result (so such a character leaves the text short).
+std::string WideToMultiByteUntilFailure(std::u16string_view text);
+
+// Shorthands for the device ANSI code page.
+std::u16string AnsiToWide(std::string_view bytes);
+std::string WideToAnsi(std::u16string_view text);
+
+}  // namespace mailslice::platform
+
+#endif  // MAILSLICE_PLATFORM_CODE_PAGE_H

@@ -1,0 +1,31 @@
+// The device settings as the Linux host stands in for them: each is read from the environment
+// every time it is asked for, so a caller may change a setting between two calls.
+#ifndef MAILSLICE_PLATFORM_DEVICE_SETTINGS_H
+#define MAILSLICE_PLATFORM_DEVICE_SETTINGS_H
+
+#include <optional>
+#include <string>
+
+namespace mailslice::platform {
+
+// MAILSLICE_DEVICE_TYPE, default 0 (no size limit).
+int DeviceType();
+// MAILSLICE_LANGUAGE, default 1.
+int LanguageCode();
+// MAILSLICE_CODEPAGE, else the iconv name that goes with the language code.
+std::string AnsiCodePageName();
+// The iconv name of the ANSI code page of a language code.
+std::string CodePageNameForLanguage(int languageCode);
+// MAILSLICE_MESSAGES; nothing when unset (the built-in catalogs serve).
+std::optional<std::string> MessagesFolder();
+// MAILSLICE_REGISTRY, else $XDG_CONFIG_HOME/mailslice/registry.reg, else
+// ~/.config/mailslice/registry.reg; nothing when no home can be found.
+std::optional<std::string> RegistryPath();
+// MAILSLICE_TEMP when set; else nothing (the temporary folder picks its own place).
+std::optional<std::string> TempFolderSetting();
+// $TMPDIR when set and not empty, else /tmp.
+std::string HostTempRoot();
+
+}  // namespace mailslice::platform
+
+#endif  // MAILSLICE_PLATFORM_DEVICE_SETTINGS_H

@@ -1,0 +1,80 @@
+// Files, as the mail logic needs them: open, read, write, copy, delete, test and describe.
+// Errors are reported as the Windows error codes that the library's callers know (see
+// error_code.h); paths are UTF-8 host paths.
+#ifndef MAILSLICE_PLATFORM_FILE_SYSTEM_H
+#define MAILSLICE_PLATFORM_FILE_SYSTEM_H
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "platform/error_code.h"
+
+namespace mailslice::platform {
+
+struct FileStatus {
+  // Nanoseconds since 1970-01-01 00:00 UTC.
+  int64_t creationTime = 0;
+  int64_t modificationTime = 0;
+  int64_t accessTime = 0;
+  uint64_t size = 0;
+  bool isFolder = false;
+};
+
+// An open file; closed when destroyed.
+class File {
+ public:
+  virtual ~File() = default;
+  virtual std::optional<uint64_t> Size() = 0;
+  // Reads until `size` bytes or the end of the file; `*got` is the number read.
+  virtual ErrorCode Read(void* buffer, size_t size, size_t* got) = 0;
+  virtual ErrorCode Write(const void* data, size_t size) = 0;
+  // Flushes and closes; reports a write error that only the close revealed.
+  virtual ErrorCode Close() = 0;
+};
+
+class FileSystem {
+ public:
+  virtual ~FileSystem() = default;
+  virtual std::unique_ptr<File> OpenForReading(const std::string& path, ErrorCode* error) = 0;
+  // Creates a new file that only its owner may read and write; fails when anything (a file or
+  // a link someone planted) is already at the path.
+  virtual std::unique_ptr<File> CreateNew(const std::string& path, ErrorCode* error) = 0;
+  // Copies `from` to `to`, replacing `to`; the destination changes only once the copy is
+  // complete, so a failed copy leaves no partial file under the destination name.
+  virtual ErrorCode Copy(const std::string& from, const std::string& to) = 0;
+  // Moves `from` onto `to` in one step, replacing `to`.
+  virtual ErrorCode Rename(const std::string& from, const std::string& to) = 0;
+  virtual ErrorCode Remove(const std::string& path) = 0;
+  virtual bool Exists(const std::string& path) = 0;
+  virtual std::optional<FileStatus> Status(const std::string& path) = 0;
+  // Creates the folder and its missing parents; `privateToUser` makes the last one mode 0700.
+  virtual ErrorCode MakeFolders(const std::string& path, bool privateToUser) = 0;
+};
+
+// The file system in use: the host's, unless a test put another in place.
+FileSystem& Files();
+
+// Puts another file system in place for the lifetime of this object (tests).
+class ScopedFileSystem {
+ public:
+  explicit ScopedFileSystem(FileSystem& replacement);
+  ~ScopedFileSystem();
+  ScopedFileSystem(const ScopedFileSystem&) = delete;
+  ScopedFileSystem& operator=(const ScopedFileSystem&) = delete;
+
+ private:
+  FileSystem* previous_;
+};
+
+// The whole content of a file, or nothing when it cannot be opened or read.
+std::optional<std::string> ReadWholeFile(const std::string& path);
+
+// The folder part of a path: everything up to its last '/' or '\' (empty when there is none).
+std::string FolderOf(const std::string& path);
+
+}  // namespace mailslice::platform
+
+#endif  // MAILSLICE_PLATFORM_FILE_SYSTEM_H

@@ -1,0 +1,223 @@
+// The host's file system, on POSIX calls.
+#include <errno.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <random>
+
+#include "platform/file_system.h"
+
+namespace mailslice::platform {
+
+ErrorCode ErrorCodeFromErrno(int error) {
+  switch (error) {
+    case 0: return kErrorSuccess;
+    case ENOSPC: case EDQUOT: return kErrorDiskFull;
+    case ENOENT: return kErrorFileNotFound;
+    case ENOTDIR: return kErrorPathNotFound;
+    case EMFILE: case ENFILE: return kErrorTooManyOpenFiles;
+    case EACCES: case EPERM: case EROFS: case EISDIR: return kErrorAccessDenied;
+    case ENOMEM: return kErrorNotEnoughMemory;
+    case EIO: return kErrorWriteFault;
+    case EBUSY: case ETXTBSY: return kErrorSharingViolation;
+    case EEXIST: return kErrorFileExists;
+    case EINVAL: return kErrorInvalidParameter;
+    case ENAMETOOLONG: return kErrorFilenameTooLong;
+    case EFBIG: return kErrorFileTooLarge;
+    default: return kErrorGenFailure;
+  }
+}
+
+namespace {
+
+ErrorCode LastErrno() { return ErrorCodeFromErrno(errno); }
+
+class PosixFile final : public File {
+ public:
+  explicit PosixFile(int descriptor) : descriptor_(descriptor) {}
+  ~PosixFile() override { Close(); }
+
+  std::optional<uint64_t> Size() override {
+    struct stat status;
+    if (fstat(descriptor_, &status) != 0) return std::nullopt;
+    return static_cast<uint64_t>(status.st_size);
+  }
+
+  ErrorCode Read(void* buffer, size_t size, size_t* got) override {
+    *got = 0;
+    while (*got < size) {
+      ssize_t count = read(descriptor_, static_cast<char*>(buffer) + *got, size - *got);
+      if (count < 0 && errno == EINTR) continue;
+      if (count < 0) return LastErrno();
+      if (count == 0) break;
+      *got += static_cast<size_t>(count);
+    }
+    return kErrorSuccess;
+  }
+
+  ErrorCode Write(const void* data, size_t size) override {
+    size_t done = 0;
+    while (done < size) {
+      ssize_t count = write(descriptor_, static_cast<const char*>(data) + done, size - done);
+      if (count < 0 && errno == EINTR) continue;
+      if (count < 0) return LastErrno();
+      done += static_cast<size_t>(count);
+    }
+    return kErrorSuccess;
+  }
+
+  ErrorCode Close() override {
+    if (descriptor_ < 0) return kErrorSuccess;
+    int result = close(descriptor_);
+    descriptor_ = -1;
+    return result == 0 ? kErrorSuccess : LastErrno();
+  }
+
+ private:
+  int descriptor_;
+};
+
+int64_t Nanoseconds(const statx_timestamp& time) {
+  return static_cast<int64_t>(time.tv_sec) * 1'000'000'000 + time.tv_nsec;
+}
+
+// A name beside `path` that nobody uses yet, for building a file before it takes its place.
+std::string SiblingTempName(const std::string& path) {
+  static std::mt19937_64 generator{std::random_device{}()};
+  static constexpr char kDigits[] = "0123456789abcdefghijklmnopqrstuvwxyz";
+  std::string suffix = ".part-";
+  for (int i = 0; i < 12; ++i) suffix += kDigits[generator() % 36];
+  return path + suffix;
+}
+
+class LinuxFileSystem final : public FileSystem {
+ public:
+  std::unique_ptr<File> OpenForReading(const std::string& path, ErrorCode* error) override {
+    return Open(path, O_RDONLY | O_CLOEXEC, 0, error);
+  }
+
+  std::unique_ptr<File> CreateNew(const std::string& path, ErrorCode* error) override {
+    return Open(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600, error);
+  }
+
+  ErrorCode Copy(const std::string& from, const std::string& to) override {
+    ErrorCode error = kErrorSuccess;
+    auto source = OpenForReading(from, &error);
+    if (!source) return error;
+    std::string temporary;
+    std::unique_ptr<File> target;
+    for (int attempt = 0; attempt < 8 && !target; ++attempt) {
+      temporary = SiblingTempName(to);
+      // A copy gets the ordinary mode of a new file (the user's umask applies).
+      target = Open(temporary, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666, &error);
+      if (!target && error != kErrorFileExists) return error;
+    }
+    if (!target) return error;
+    error = CopyContent(*source, *target);
+    if (ErrorCode closed = target->Close(); error == kErrorSuccess) error = closed;
+    if (error == kErrorSuccess) error = Rename(temporary, to);
+    if (error != kErrorSuccess) unlink(temporary.c_str());
+    return error;
+  }
+
+  ErrorCode Rename(const std::string& from, const std::string& to) override {
+    return rename(from.c_str(), to.c_str()) == 0 ? kErrorSuccess : LastErrno();
+  }
+
+  ErrorCode Remove(const std::string& path) override {
+    return unlink(path.c_str()) == 0 ? kErrorSuccess : LastErrno();
+  }
+
+  bool Exists(const std::string& path) override {
+    struct stat status;
+    return lstat(path.c_str(), &status) == 0;
+  }
+
+  std::optional<FileStatus> Status(const std::string& path) override {
+    struct statx status;
+    if (statx(AT_FDCWD, path.c_str(), 0, STATX_BASIC_STATS | STATX_BTIME, &status) != 0) {
+      return std::nullopt;
+    }
+    FileStatus result;
+    // Where the file system records no birth time, the status-change time stands in for the
+    // creation time: it is set when the file is made and moves only when its inode changes.
+    result.creationTime = Nanoseconds((status.stx_mask & STATX_BTIME) != 0 ? status.stx_btime
+                                                                           : status.stx_ctime);
+    result.modificationTime = Nanoseconds(status.stx_mtime);
+    result.accessTime = Nanoseconds(status.stx_atime);
+    result.size = status.stx_size;
+    result.isFolder = S_ISDIR(status.stx_mode);
+    return result;
+  }
+
+  ErrorCode MakeFolders(const std::string& path, bool privateToUser) override {
+    for (size_t slash = path.find('/', 1); slash != std::string::npos;
+         slash = path.find('/', slash + 1)) {
+      std::string parent = path.substr(0, slash);
+      if (mkdir(parent.c_str(), 0755) != 0 && errno != EEXIST) return LastErrno();
+    }
+    if (mkdir(path.c_str(), privateToUser ? 0700 : 0755) != 0 && errno != EEXIST) {
+      return LastErrno();
+    }
+    return kErrorSuccess;
+  }
+
+ private:
+  static std::unique_ptr<File> Open(const std::string& path, int flags, mode_t mode,
+                                    ErrorCode* error) {
+    int descriptor = open(path.c_str(), flags, mode);
+    if (descriptor < 0) {
+      *error = LastErrno();
+      return nullptr;
+    }
+    *error = kErrorSuccess;
+    return std::make_unique<PosixFile>(descriptor);
+  }
+
+  static ErrorCode CopyContent(File& source, File& target) {
+    std::array<char, 1 << 16> block;
+    while (true) {
+      size_t got = 0;
+      if (ErrorCode error = source.Read(block.data(), block.size(), &got)) return error;
+      if (got == 0) return kErrorSuccess;
+      if (ErrorCode error = target.Write(block.data(), got)) return error;
+    }
+  }
+};
+
+FileSystem* g_replacement = nullptr;
+
+}  // namespace
+
+FileSystem& Files() {
+  static LinuxFileSystem host;
+  return g_replacement != nullptr ? *g_replacement : host;
+}
+
+ScopedFileSystem::ScopedFileSystem(FileSystem& replacement) : previous_(g_replacement) {
+  g_replacement = &replacement;
+}
+
+ScopedFileSystem::~ScopedFileSystem() { g_replacement = previous_; }
+
+std::optional<std::string> ReadWholeFile(const std::string& path) {
+  ErrorCode error = kErrorSuccess;
+  auto file = Files().OpenForReading(path, &error);
+  if (!file) return std::nullopt;
+  std::string content;
+  std::array<char, 1 << 16> block;
+  for (size_t got = 1; got > 0;) {
+    if (file->Read(block.data(), block.size(), &got) != kErrorSuccess) return std::nullopt;
+    content.append(block.data(), got);
+  }
+  return content;
+}
+
+std::string FolderOf(const std::string& path) {
+  size_t slash = path.find_last_of("/\\");
+  return slash == std::string::npos ? std::string() : path.substr(0, slash);
+}
+
+}  // namespace mailslice::platform

@@ -1,0 +1,39 @@
+#include "platform/temp_folder.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "platform/device_settings.h"
+#include "platform/file_system.h"
+
+namespace mailslice::platform {
+namespace {
+
+constexpr mode_t kGroupAndOtherBits = 077;
+
+// True when `path` is a real folder (not a link) owned by this user; `tighten` takes away any
+// access of other users.
+bool IsOwnFolder(const std::string& path, bool tighten) {
+  struct stat status;
+  if (lstat(path.c_str(), &status) != 0 || !S_ISDIR(status.st_mode)) return false;
+  if (status.st_uid != geteuid()) return false;
+  if (tighten && (status.st_mode & kGroupAndOtherBits) != 0 && chmod(path.c_str(), 0700) != 0) {
+    return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+std::optional<std::string> PrivateTempFolder() {
+  auto chosen = TempFolderSetting();
+  // A folder the user chose keeps its mode; the default one in a shared place is made private.
+  std::string path =
+      chosen.value_or(HostTempRoot() + "/mailslice-" + std::to_string(geteuid()));
+  while (path.size() > 1 && path.back() == '/') path.pop_back();
+  if (Files().MakeFolders(path, true) != kErrorSuccess) return std::nullopt;
+  if (!IsOwnFolder(path, !chosen)) return std::nullopt;
+  return path;
+}
+
+}  // namespace mailslice::platform

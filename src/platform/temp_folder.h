@@ -1,0 +1,17 @@
+// The private temporary folder that stands for the device's "\temp\".
+#ifndef MAILSLICE_PLATFORM_TEMP_FOLDER_H
+#define MAILSLICE_PLATFORM_TEMP_FOLDER_H
+
+#include <optional>
+#include <string>
+
+namespace mailslice::platform {
+
+// $MAILSLICE_TEMP, else mailslice-<uid> under $TMPDIR (or /tmp), created with mode 0700 when
+// missing. Nothing when the folder cannot be made, or when what is there is not a folder of
+// this user (a link or another user's folder planted in a shared place is never used).
+std::optional<std::string> PrivateTempFolder();
+
+}  // namespace mailslice::platform
+
+#endif  // MAILSLICE_PLATFORM_TEMP_FOLDER_H

@@ -1,0 +1,21 @@
+# Checks that every function declared with MAILSLICE_API in exports.h is a defined, undecorated
+# dynamic symbol of the shared library.
+file(READ ${HEADER} header)
+string(REGEX MATCHALL "MAILSLICE_API[^;(]*[ *]([A-Za-z0-9_]+)\\(" declarations "${header}")
+execute_process(COMMAND nm -D --defined-only ${LIBRARY} OUTPUT_VARIABLE symbols
+  RESULT_VARIABLE result)
+if(NOT result EQUAL 0)
+  message(FATAL_ERROR "nm failed on ${LIBRARY}")
+endif()
+set(count 0)
+foreach(declaration IN LISTS declarations)
+  string(REGEX REPLACE ".*[ *]([A-Za-z0-9_]+)\\($" "\\1" name "${declaration}")
+  if(NOT symbols MATCHES " T ${name}\n")
+    message(FATAL_ERROR "export ${name} is not visible undecorated in ${LIBRARY}")
+  endif()
+  math(EXPR count "${count} + 1")
+endforeach()
+if(count EQUAL 0)
+  message(FATAL_ERROR "no exports found in ${HEADER}")
+endif()
+message(STATUS "${count} exports visible")

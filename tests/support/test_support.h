@@ -1,0 +1,46 @@
+// Helpers shared by the tests: scoped environment settings and scratch folders.
+#ifndef MAILSLICE_TESTS_SUPPORT_TEST_SUPPORT_H
+#define MAILSLICE_TESTS_SUPPORT_TEST_SUPPORT_H
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace mailslice::testing {
+
+// Sets (or, with nothing, unsets) an environment variable for the lifetime of the object.
+class ScopedEnv {
+ public:
+  ScopedEnv(const char* name, std::optional<std::string> value);
+  ~ScopedEnv();
+  ScopedEnv(const ScopedEnv&) = delete;
+  ScopedEnv& operator=(const ScopedEnv&) = delete;
+
+ private:
+  std::string name_;
+  std::optional<std::string> previous_;
+};
+
+// A fresh folder, removed with everything in it at the end of the test.
+class ScratchFolder {
+ public:
+  ScratchFolder();
+  ~ScratchFolder();
+  ScratchFolder(const ScratchFolder&) = delete;
+  ScratchFolder& operator=(const ScratchFolder&) = delete;
+
+  const std::filesystem::path& path() const { return path_; }
+  // Writes `content` to the file `name` in the folder and returns its path.
+  std::string Write(const std::string& name, std::string_view content) const;
+
+ private:
+  std::filesystem::path path_;
+};
+
+// The bytes of a u"" literal as UTF-8, for readable expectations.
+std::string Utf8(std::u16string_view text);
+
+}  // namespace mailslice::testing
+
+#endif  // MAILSLICE_TESTS_SUPPORT_TEST_SUPPORT_H

@@ -1,0 +1,80 @@
+// mailslice: reads a mail message file the way the library hands it to a mail application.
+#include <mailslice/mailslice.h>
+
+#include <cstdio>
+#include <cstring>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "message_loading.h"
+
+namespace {
+
+constexpr char kUsage[] =
+    "usage: mailslice COMMAND [OPTIONS] FILE\n"
+    "\n"
+    "Reads an Internet mail message stored in FILE (RFC 822 / MIME).\n"
+    "\n"
+    "commands:\n"
+    "  headers FILE   print the raw header values: From, To, Cc, Bcc, Subject, Date,\n"
+    "                 Reply-To and the three delivery fields\n"
+    "\n"
+    "The device settings come from the environment (see README.md): MAILSLICE_DEVICE_TYPE,\n"
+    "MAILSLICE_LANGUAGE, MAILSLICE_CODEPAGE, MAILSLICE_MESSAGES, MAILSLICE_REGISTRY,\n"
+    "MAILSLICE_TEMP and TZ.\n";
+
+struct LabelledField {
+  const char* label;
+  CString (*read)();
+};
+
+constexpr LabelledField kHeaderFields[] = {
+    {"From", GetFrom},
+    {"To", GetTo},
+    {"Cc", GetCc},
+    {"Bcc", GetBcc},
+    {"Subject", GetSubject},
+    {"Date", GetDate},
+    {"Reply-To", GetReplyTo},
+    {"Delivered-To", GetDelivered1},
+    {"X-Apparently-To", GetDelivered2},
+    {"Envelope-To", GetDelivered3},
+};
+
+int Fail(const std::string& file, const std::string& problem) {
+  std::fprintf(stderr, "mailslice: %s: %s\n", file.c_str(), problem.c_str());
+  return 1;
+}
+
+int ShowHeaders(const std::vector<std::string>& arguments) {
+  if (arguments.size() != 1) {
+    std::fputs("usage: mailslice headers FILE\n", stderr);
+    return 2;
+  }
+  const std::string& file = arguments[0];
+  std::string problem;
+  if (!mailslice::tools::LoadMessage(file, problem)) return Fail(file, problem);
+  for (const LabelledField& field : kHeaderFields) {
+    std::printf("%s: %s\n", field.label, field.read().ToUtf8().c_str());
+  }
+  MessageMemoryFree();
+  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::vector<std::string> arguments(argv + 1, argv + argc);
+  if (arguments.empty() || arguments[0] == "--help" || arguments[0] == "-h" ||
+      arguments[0] == "help") {
+    std::fputs(kUsage, arguments.empty() ? stderr : stdout);
+    return arguments.empty() ? 2 : 0;
+  }
+  std::string command = arguments[0];
+  arguments.erase(arguments.begin());
+  if (command == "headers") return ShowHeaders(arguments);
+  std::fprintf(stderr, "mailslice: unknown command '%s' (try mailslice --help)\n",
+               command.c_str());
+  return 2;
+}
