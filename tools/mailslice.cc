@@ -74,7 +74,6 @@ int main(int argc, char** argv) {
   std::string command = arguments[0];
   arguments.erase(arguments.begin());
   if (command == "headers") return ShowHeaders(arguments);
-  std::fprintf(stderr, "mailslice: unknown command '%s' (try mailslice --help)\n",
-               command.c_str());
+  std::fprintf(stderr, "mailslice: unknown command '%s' (try mailslice --help)\n", command.c_str());
   return 2;
 }

@@ -14,10 +14,10 @@ struct MAILSLICE_API PartRecord {
 
   char kind;  // 0, or 'A' for an attachment
   CString contentType, charset, transferEncoding, disposition;
-  CString delimiter;  // the delimiter line the part was cut at
-  CString fileName;   // the attachment's decoded file name
-  char* partText;     // malloc'd copy of the part (header and body), owned by the record
-  char* secondText;   // malloc'd, owned by the record
+  CString delimiter;    // the delimiter line the part was cut at
+  CString fileName;     // the attachment's decoded file name
+  char* partText;       // malloc'd copy of the part (header and body), owned by the record
+  char* secondText;     // malloc'd, owned by the record
   CString contentId;    // the part's Content-ID, when it has one
   CString description;  // the part's Content-Description, when it has one
   CString altFileName;  // the file name as written in the message, before decoding

@@ -13,23 +13,51 @@ extern "C" {
 int MessageFileOpenAndMemoryAlloc(CString path) {
   return Guarded([&] { return MessageBuffer().Load(path); });
 }
-void MessageMemoryFree() { Guarded([] { MessageBuffer().Free(); }); }
+void MessageMemoryFree() {
+  Guarded([] { MessageBuffer().Free(); });
+}
 
-CString GetFrom() { return Guarded([] { return MessageBuffer().GetFrom(); }); }
-CString GetTo() { return Guarded([] { return MessageBuffer().GetTo(); }); }
-CString GetCc() { return Guarded([] { return MessageBuffer().GetCc(); }); }
-CString GetBcc() { return Guarded([] { return MessageBuffer().GetBcc(); }); }
+CString GetFrom() {
+  return Guarded([] { return MessageBuffer().GetFrom(); });
+}
+CString GetTo() {
+  return Guarded([] { return MessageBuffer().GetTo(); });
+}
+CString GetCc() {
+  return Guarded([] { return MessageBuffer().GetCc(); });
+}
+CString GetBcc() {
+  return Guarded([] { return MessageBuffer().GetBcc(); });
+}
 // The Bcc lookup again, as the mail application has always received it here.
-CString GetBody() { return Guarded([] { return MessageBuffer().GetBcc(); }); }
-CString GetDate() { return Guarded([] { return MessageBuffer().GetDate(); }); }
-CString GetSubject() { return Guarded([] { return MessageBuffer().GetSubject(); }); }
-CString GetReplyTo() { return Guarded([] { return MessageBuffer().GetReplyTo(); }); }
-CString GetDelivered1() { return Guarded([] { return MessageBuffer().GetDelivered1(); }); }
-CString GetDelivered2() { return Guarded([] { return MessageBuffer().GetDelivered2(); }); }
-CString GetDelivered3() { return Guarded([] { return MessageBuffer().GetDelivered3(); }); }
-char* GetMessageText() { return Guarded([] { return MessageBuffer().GetMessageText(); }); }
+CString GetBody() {
+  return Guarded([] { return MessageBuffer().GetBcc(); });
+}
+CString GetDate() {
+  return Guarded([] { return MessageBuffer().GetDate(); });
+}
+CString GetSubject() {
+  return Guarded([] { return MessageBuffer().GetSubject(); });
+}
+CString GetReplyTo() {
+  return Guarded([] { return MessageBuffer().GetReplyTo(); });
+}
+CString GetDelivered1() {
+  return Guarded([] { return MessageBuffer().GetDelivered1(); });
+}
+CString GetDelivered2() {
+  return Guarded([] { return MessageBuffer().GetDelivered2(); });
+}
+CString GetDelivered3() {
+  return Guarded([] { return MessageBuffer().GetDelivered3(); });
+}
+char* GetMessageText() {
+  return Guarded([] { return MessageBuffer().GetMessageText(); });
+}
 
-char* OpeningMail(CString path) { return Guarded([&] { return MainParser().OpeningMail(path); }); }
+char* OpeningMail(CString path) {
+  return Guarded([&] { return MainParser().OpeningMail(path); });
+}
 int IsReadingMail(CString path) {
   return Guarded([&] { return MainParser().IsReadingMail(path); });
 }

@@ -25,7 +25,8 @@ size_t ValueEnd(std::u16string_view text, size_t start, LineEnds lineEnds) {
   auto at = [&](size_t i) { return i < text.size() ? text[i] : u'\0'; };
   for (size_t i = start; i < text.size(); ++i) {
     if (at(i) == u'\0') return i;
-    if (lineEnds == LineEnds::kCrLf && at(i) == u'\r' && at(i + 1) == u'\n' && !IsBlank(at(i + 2))) {
+    if (lineEnds == LineEnds::kCrLf && at(i) == u'\r' && at(i + 1) == u'\n' &&
+        !IsBlank(at(i + 2))) {
       return i;
     }
     if (lineEnds == LineEnds::kLf && at(i) == u'\n' && !IsBlank(at(i + 2))) return i;

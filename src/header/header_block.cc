@@ -8,7 +8,7 @@ namespace mailslice::header {
 namespace {
 
 struct EmptyLine {
-  const char* at;       // the separator, or null
+  const char* at;        // the separator, or null
   size_t separatorSize;  // 4 for CR LF CR LF, 2 for LF LF
 };
 

@@ -23,15 +23,24 @@ constexpr char kDefaultCharacter = '?';
 
 std::string IconvName(unsigned codePage) {
   switch (codePage) {
-    case kAnsiCodePage: return AnsiCodePageName();
-    case kUtf7CodePage: return "UTF-7";
-    case kUtf8CodePage: return "UTF-8";
-    case 20866: return "KOI8-R";
-    case 28592: return "ISO-8859-2";
-    case 28596: return "ISO-8859-6";
-    case 50220: return "ISO-2022-JP";
-    case 51932: return "EUC-JP";
-    default: return "CP" + std::to_string(codePage);
+    case kAnsiCodePage:
+      return AnsiCodePageName();
+    case kUtf7CodePage:
+      return "UTF-7";
+    case kUtf8CodePage:
+      return "UTF-8";
+    case 20866:
+      return "KOI8-R";
+    case 28592:
+      return "ISO-8859-2";
+    case 28596:
+      return "ISO-8859-6";
+    case 50220:
+      return "ISO-2022-JP";
+    case 51932:
+      return "EUC-JP";
+    default:
+      return "CP" + std::to_string(codePage);
   }
 }
 
@@ -111,7 +120,7 @@ std::string Run(iconv_t descriptor, std::string_view input, OnRefusal onRefusal)
     if (written + refusal.replacement.size() > output.size()) {
       output.resize(output.size() * 2 + refusal.replacement.size());
     }
-    std::memcpy(output.data() + written, refusal.replacement.data(), refusal.replacement.size());
+    output.replace(written, refusal.replacement.size(), refusal.replacement);
     written += refusal.replacement.size();
     if (refusal.stop) break;
     in += refusal.skip;
@@ -165,13 +174,12 @@ std::string WideToMultiByte(unsigned codePage, std::u16string_view text) {
 std::string WideToMultiByteUntilFailure(std::u16string_view text) {
   text = text.substr(0, text.find(u'\0'));
   iconv_t descriptor = Converter(kUtf16Name, IconvName(kAnsiCodePage));
-  return Run(descriptor, AsBytes(text),
-             [](std::string_view, bool) { return Refusal{0, {}, true}; });
+  return Run(descriptor, AsBytes(text), [](std::string_view, bool) {
+    return Refusal{0, {}, true};
+  });
 }
 
-std::u16string AnsiToWide(std::string_view bytes) {
-  return MultiByteToWide(kAnsiCodePage, bytes);
-}
+std::u16string AnsiToWide(std::string_view bytes) { return MultiByteToWide(kAnsiCodePage, bytes); }
 
 std::string WideToAnsi(std::u16string_view text) { return WideToMultiByte(kAnsiCodePage, text); }
 

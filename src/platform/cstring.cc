@@ -23,9 +23,7 @@ std::u16string_view Terminated(const char16_t* text) {
 
 int Sign(int value) { return (value > 0) - (value < 0); }
 
-int Position(size_t index) {
-  return index == std::u16string::npos ? -1 : static_cast<int>(index);
-}
+int Position(size_t index) { return index == std::u16string::npos ? -1 : static_cast<int>(index); }
 
 bool IsAscii(const char* text) {
   for (; *text != '\0'; ++text) {

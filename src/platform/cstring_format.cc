@@ -51,8 +51,7 @@ Conversion ReadConversion(const char16_t*& at, NextInt nextInt) {
     ++at;
     conversion.precision = std::max(ReadCount(at, nextInt), 0);
   }
-  while (*at == u'h' || *at == u'l' || *at == u'L' || *at == u'z' || *at == u'j' ||
-         *at == u't') {
+  while (*at == u'h' || *at == u'l' || *at == u'L' || *at == u'z' || *at == u'j' || *at == u't') {
     conversion.length += static_cast<char>(*at++);
   }
   if (*at != u'\0') conversion.type = static_cast<char>(*at++);
@@ -120,10 +119,22 @@ void AppendConversion(std::u16string& out, const Conversion& conversion, va_list
       AppendPadded(out, std::u16string_view(&ch, 1), conversion);
       return;
     }
-    case 'd': case 'i': case 'u': case 'o': case 'x': case 'X':
+    case 'd':
+    case 'i':
+    case 'u':
+    case 'o':
+    case 'x':
+    case 'X':
       AppendInteger(out, conversion, args);
       return;
-    case 'f': case 'F': case 'e': case 'E': case 'g': case 'G': case 'a': case 'A':
+    case 'f':
+    case 'F':
+    case 'e':
+    case 'E':
+    case 'g':
+    case 'G':
+    case 'a':
+    case 'A':
       conversion.length == "L" ? AppendNumber(out, conversion, va_arg(args, long double))
                                : AppendNumber(out, conversion, va_arg(args, double));
       return;
@@ -172,8 +183,8 @@ std::u16string FormatIntegers(std::u16string_view format, std::initializer_list<
     }
     const char16_t* start = at++;
     Conversion conversion = ReadConversion(at, nextInt);
-    bool integer = conversion.type != 0 && std::string_view("diuoxX").find(conversion.type) !=
-                                               std::string_view::npos;
+    bool integer = conversion.type != 0 &&
+                   std::string_view("diuoxX").find(conversion.type) != std::string_view::npos;
     if (integer && conversion.length.empty()) {
       AppendNumber(out, conversion, nextInt());
     } else if (conversion.type == '%' && at == start + 2) {

@@ -45,12 +45,18 @@ int LanguageCode() { return IntegerVariable("MAILSLICE_LANGUAGE", 1); }
 
 std::string CodePageNameForLanguage(int languageCode) {
   switch (languageCode) {
-    case 81: return "CP932";   // Japanese
-    case 82: return "CP949";   // Korean
-    case 7: return "CP1251";   // Russian
-    case 48: return "CP1250";  // Central European
-    case 966: return "CP1256";  // Arabic
-    default: return "CP1252";  // Western
+    case 81:
+      return "CP932";  // Japanese
+    case 82:
+      return "CP949";  // Korean
+    case 7:
+      return "CP1251";  // Russian
+    case 48:
+      return "CP1250";  // Central European
+    case 966:
+      return "CP1256";  // Arabic
+    default:
+      return "CP1252";  // Western
   }
 }
 

@@ -13,20 +13,40 @@ namespace mailslice::platform {
 
 ErrorCode ErrorCodeFromErrno(int error) {
   switch (error) {
-    case 0: return kErrorSuccess;
-    case ENOSPC: case EDQUOT: return kErrorDiskFull;
-    case ENOENT: return kErrorFileNotFound;
-    case ENOTDIR: return kErrorPathNotFound;
-    case EMFILE: case ENFILE: return kErrorTooManyOpenFiles;
-    case EACCES: case EPERM: case EROFS: case EISDIR: return kErrorAccessDenied;
-    case ENOMEM: return kErrorNotEnoughMemory;
-    case EIO: return kErrorWriteFault;
-    case EBUSY: case ETXTBSY: return kErrorSharingViolation;
-    case EEXIST: return kErrorFileExists;
-    case EINVAL: return kErrorInvalidParameter;
-    case ENAMETOOLONG: return kErrorFilenameTooLong;
-    case EFBIG: return kErrorFileTooLarge;
-    default: return kErrorGenFailure;
+    case 0:
+      return kErrorSuccess;
+    case ENOSPC:
+    case EDQUOT:
+      return kErrorDiskFull;
+    case ENOENT:
+      return kErrorFileNotFound;
+    case ENOTDIR:
+      return kErrorPathNotFound;
+    case EMFILE:
+    case ENFILE:
+      return kErrorTooManyOpenFiles;
+    case EACCES:
+    case EPERM:
+    case EROFS:
+    case EISDIR:
+      return kErrorAccessDenied;
+    case ENOMEM:
+      return kErrorNotEnoughMemory;
+    case EIO:
+      return kErrorWriteFault;
+    case EBUSY:
+    case ETXTBSY:
+      return kErrorSharingViolation;
+    case EEXIST:
+      return kErrorFileExists;
+    case EINVAL:
+      return kErrorInvalidParameter;
+    case ENAMETOOLONG:
+      return kErrorFilenameTooLong;
+    case EFBIG:
+      return kErrorFileTooLarge;
+    default:
+      return kErrorGenFailure;
   }
 }
 
@@ -94,8 +114,16 @@ std::string SiblingTempName(const std::string& path) {
 
 class LinuxFileSystem final : public FileSystem {
  public:
+  // A folder cannot be opened as a file.
   std::unique_ptr<File> OpenForReading(const std::string& path, ErrorCode* error) override {
-    return Open(path, O_RDONLY | O_CLOEXEC, 0, error);
+    int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    struct stat status;
+    if (descriptor >= 0 && fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode)) {
+      close(descriptor);
+      descriptor = -1;
+      errno = EISDIR;
+    }
+    return Adopt(descriptor, error);
   }
 
   std::unique_ptr<File> CreateNew(const std::string& path, ErrorCode* error) override {
@@ -143,8 +171,8 @@ class LinuxFileSystem final : public FileSystem {
     FileStatus result;
     // Where the file system records no birth time, the status-change time stands in for the
     // creation time: it is set when the file is made and moves only when its inode changes.
-    result.creationTime = Nanoseconds((status.stx_mask & STATX_BTIME) != 0 ? status.stx_btime
-                                                                           : status.stx_ctime);
+    result.creationTime =
+        Nanoseconds((status.stx_mask & STATX_BTIME) != 0 ? status.stx_btime : status.stx_ctime);
     result.modificationTime = Nanoseconds(status.stx_mtime);
     result.accessTime = Nanoseconds(status.stx_atime);
     result.size = status.stx_size;
@@ -167,7 +195,10 @@ class LinuxFileSystem final : public FileSystem {
  private:
   static std::unique_ptr<File> Open(const std::string& path, int flags, mode_t mode,
                                     ErrorCode* error) {
-    int descriptor = open(path.c_str(), flags, mode);
+    return Adopt(open(path.c_str(), flags, mode), error);
+  }
+
+  static std::unique_ptr<File> Adopt(int descriptor, ErrorCode* error) {
     if (descriptor < 0) {
       *error = LastErrno();
       return nullptr;

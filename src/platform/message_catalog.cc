@@ -18,11 +18,21 @@ std::string Unescape(std::string_view text) {
       continue;
     }
     switch (text[i + 1]) {
-      case 't': result += '\t'; break;
-      case 'r': result += '\r'; break;
-      case 'n': result += '\n'; break;
-      case '\\': result += '\\'; break;
-      default: result += text[i]; continue;  // not an escape: the backslash stays
+      case 't':
+        result += '\t';
+        break;
+      case 'r':
+        result += '\r';
+        break;
+      case 'n':
+        result += '\n';
+        break;
+      case '\\':
+        result += '\\';
+        break;
+      default:
+        result += text[i];
+        continue;  // not an escape: the backslash stays
     }
     ++i;
   }

@@ -49,8 +49,8 @@ std::optional<double> FromLinearSeconds(int64_t linear) {
 
 std::optional<double> ToOleDate(const CalendarTime& time) {
   if (!InRange(time.year, kFirstYear, kLastYear) || !InRange(time.month, 1, 12) ||
-      !InRange(time.hour, 0, 23) || !InRange(time.minute, 0, 59) ||
-      !InRange(time.second, 0, 59) || time.day < 1 || time.day > 31) {
+      !InRange(time.hour, 0, 23) || !InRange(time.minute, 0, 59) || !InRange(time.second, 0, 59) ||
+      time.day < 1 || time.day > 31) {
     return std::nullopt;
   }
   year_month_day date{year(time.year), month(static_cast<unsigned>(time.month)),

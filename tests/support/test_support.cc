@@ -48,3 +48,5 @@ std::string ScratchFolder::Write(const std::string& name, std::string_view conte
 std::string Utf8(std::u16string_view text) { return CString(std::u16string(text)).ToUtf8(); }
 
 }  // namespace mailslice::testing
+
+void PrintTo(const CString& text, std::ostream* out) { *out << '"' << text.ToUtf8() << '"'; }

@@ -2,8 +2,11 @@
 #ifndef MAILSLICE_TESTS_SUPPORT_TEST_SUPPORT_H
 #define MAILSLICE_TESTS_SUPPORT_TEST_SUPPORT_H
 
+#include <mailslice/cstring.h>
+
 #include <filesystem>
 #include <optional>
+#include <ostream>
 #include <string>
 #include <string_view>
 
@@ -42,5 +45,8 @@ class ScratchFolder {
 std::string Utf8(std::u16string_view text);
 
 }  // namespace mailslice::testing
+
+// Lets GoogleTest show a CString as UTF-8 text.
+void PrintTo(const CString& text, std::ostream* out);
 
 #endif  // MAILSLICE_TESTS_SUPPORT_TEST_SUPPORT_H

@@ -1,0 +1,97 @@
+#include <gtest/gtest.h>
+#include <mailslice/device.h>
+#include <sys/stat.h>
+
+#include "platform/temp_folder.h"
+#include "support/test_support.h"
+
+namespace {
+
+using mailslice::testing::ScopedEnv;
+using mailslice::testing::ScratchFolder;
+
+class MessageCatalogTest : public ::testing::Test {
+ protected:
+  ScratchFolder folder_;
+  ScopedEnv messages_{"MAILSLICE_MESSAGES", folder_.path().string()};
+  ScopedEnv language_{"MAILSLICE_LANGUAGE", "81"};
+};
+
+TEST_F(MessageCatalogTest, BuiltInCatalogsServeWithoutFiles) {
+  CSystemValue japanese;
+  ASSERT_TRUE(japanese.LoadMessageFile(u"Email"));
+  EXPECT_EQ(japanese.GetMessageW(116), u"10月");
+  EXPECT_EQ(japanese.GetMessageW(1192), u"午前");
+  ScopedEnv korean("MAILSLICE_LANGUAGE", "82");
+  CSystemValue value;
+  ASSERT_TRUE(value.LoadMessageFile(u"Email"));
+  EXPECT_EQ(value.GetMessageW(131), u"일");
+  ScopedEnv unknown("MAILSLICE_LANGUAGE", "33");  // no catalog of its own: English
+  ASSERT_TRUE(value.LoadMessageFile(u"Email"));
+  EXPECT_EQ(value.GetMessageW(118), u"Dec");
+  EXPECT_EQ(value.GetMessageW(99999), u"");
+  EXPECT_FALSE(value.LoadMessageFile(u"NoSuchCatalog"));
+  EXPECT_EQ(value.GetMessageW(118), u"Dec");  // a failed load keeps what was loaded
+}
+
+TEST_F(MessageCatalogTest, LanguageFileComesFirstAndGapsAreFilledFromBuiltIns) {
+  folder_.Write("Email", "133\tshared file\n1193\tafternoon\n");
+  folder_.Write("81/Email",
+                "# comment\r\n\r\n133\t\\t(nobody)\\n\\\\x\\q\r\nnot a message\n77 no tab\n");
+  CSystemValue value;
+  ASSERT_TRUE(value.LoadMessageFile(u"Email"));
+  EXPECT_EQ(value.GetMessageW(133), u"\t(nobody)\n\\x\\q");
+  EXPECT_EQ(value.GetMessageW(1193), u"午後");  // not from the shared file: the language file won
+  EXPECT_EQ(value.GetMessageW(77), u"");
+}
+
+TEST_F(MessageCatalogTest, SharedFileServesLanguagesWithoutTheirOwn) {
+  folder_.Write("Email", "133\tshared file\n2000\t%04d-%02d-%02dT%02d:%02d:%02d %s\n");
+  ScopedEnv german("MAILSLICE_LANGUAGE", "49");
+  CSystemValue value;
+  ASSERT_TRUE(value.LoadMessageFile(u"Email"));
+  EXPECT_EQ(value.GetMessageW(133), u"shared file");
+  EXPECT_EQ(value.GetMessageW(1192), u"AM");
+  // A catalog's own date format: integers only, so "%s" stays text.
+  EXPECT_EQ(value.GetDateAndTimeMessage(2009, 1, 5, 7, 8, 9), u"2009-01-05T07:08:09 %s");
+}
+
+TEST_F(MessageCatalogTest, DateAndTimeDefaultFormat) {
+  CSystemValue value;
+  EXPECT_EQ(value.GetDateAndTimeMessage(2009, 1, 5, 5, 0, 9), u"2009/01/05 05:00:09");
+}
+
+TEST(DeviceTest, SettingsAreReadFreshAndBadNumbersFallBack) {
+  CVelEdit device;
+  ScopedEnv type("MAILSLICE_DEVICE_TYPE", "9");
+  EXPECT_EQ(device.GetCurrentDeviceType(), 9);
+  ScopedEnv language("MAILSLICE_LANGUAGE", "82");
+  EXPECT_EQ(device.GetCurrentLanguageCode(), 82);
+  EXPECT_EQ(device.GetResource(1), u"한국어");
+  ScopedEnv badType("MAILSLICE_DEVICE_TYPE", "9x");
+  ScopedEnv badLanguage("MAILSLICE_LANGUAGE", "");
+  EXPECT_EQ(device.GetCurrentDeviceType(), 0);
+  EXPECT_EQ(device.GetCurrentLanguageCode(), 1);
+  EXPECT_EQ(device.GetResource(12345), u"");
+}
+
+TEST(TempFolderTest, DefaultFolderIsPrivateAndALinkIsRefused) {
+  ScratchFolder root;
+  ScopedEnv chosen("MAILSLICE_TEMP", std::nullopt);
+  ScopedEnv tmp("TMPDIR", root.path().string());
+  auto folder = mailslice::platform::PrivateTempFolder();
+  ASSERT_TRUE(folder);
+  struct stat status;
+  ASSERT_EQ(lstat(folder->c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 0777, 0700u);
+  chmod(folder->c_str(), 0755);
+  EXPECT_TRUE(mailslice::platform::PrivateTempFolder());
+  ASSERT_EQ(lstat(folder->c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 0777, 0700u);  // made private again
+
+  std::filesystem::remove(*folder);
+  std::filesystem::create_directory_symlink(root.path(), *folder);
+  EXPECT_FALSE(mailslice::platform::PrivateTempFolder());
+}
+
+}  // namespace
