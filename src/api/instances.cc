@@ -4,6 +4,7 @@
 //   1. the main mail parser,
 //   2. the encoder, 3. the Japanese converter, 4. the Base64 coder (with the codecs),
 //   5. the message buffer holder.
+// (The device build had a sixth object after these; no export uses it, so it is not made.)
 #include "api/instances.h"
 
 namespace mailslice::api {
