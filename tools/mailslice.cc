@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "datetime/date_display.h"
 #include "message_loading.h"
 
 namespace {
@@ -18,7 +19,7 @@ constexpr char kUsage[] =
     "\n"
     "commands:\n"
     "  headers FILE   print the raw header values: From, To, Cc, Bcc, Subject, Date,\n"
-    "                 Reply-To and the three delivery fields\n"
+    "                 Reply-To and the three delivery fields, and the Date in local time\n"
     "\n"
     "The device settings come from the environment (see README.md): MAILSLICE_DEVICE_TYPE,\n"
     "MAILSLICE_LANGUAGE, MAILSLICE_CODEPAGE, MAILSLICE_MESSAGES, MAILSLICE_REGISTRY,\n"
@@ -47,6 +48,17 @@ int Fail(const std::string& file, const std::string& problem) {
   return 1;
 }
 
+// The Date as the device shows it: moved into the device's zone and written in its language and
+// 12- or 24-hour setting. A Date that cannot be read shows as the device words a date of zeros.
+std::string LocalDate() {
+  CString fields[8];
+  GetParsingDate(GetDate(), fields);
+  CString universalTime = GetNewDate(fields);
+  auto local = mailslice::datetime::LocalDateOf(universalTime);
+  if (!local) return ConvertToDisplayTime(universalTime).ToUtf8();
+  return (GetDateMsg(0, 0, *local) + u" " + GetTimeMsg(0, 0, *local)).ToUtf8();
+}
+
 int ShowHeaders(const std::vector<std::string>& arguments) {
   if (arguments.size() != 1) {
     std::fputs("usage: mailslice headers FILE\n", stderr);
@@ -57,6 +69,7 @@ int ShowHeaders(const std::vector<std::string>& arguments) {
   if (!mailslice::tools::LoadMessage(file, problem)) return Fail(file, problem);
   for (const LabelledField& field : kHeaderFields) {
     std::printf("%s: %s\n", field.label, field.read().ToUtf8().c_str());
+    if (field.read == GetDate) std::printf("Local date: %s\n", LocalDate().c_str());
   }
   MessageMemoryFree();
   return 0;

@@ -37,6 +37,21 @@ MAILSLICE_API char* OpeningMail(CString path);
 MAILSLICE_API int IsReadingMail(CString path);
 MAILSLICE_API int IsInitIndex(CString first, CString second);
 
+// The Date header and dates and times shown to the user. `fields` points at eight entries:
+// day name, day, month, year, hour, minute, second, zone. `date` is an OLE Automation date
+// (days since 30 December 1899); the two leading arguments of GetDateMsg and GetTimeMsg are
+// reserved. GetTimeZoneBias is in minutes, positive east of Coordinated Universal Time.
+MAILSLICE_API void GetParsingDate(CString value, CString* fields);
+MAILSLICE_API CString GetNewDate(CString* fields);
+MAILSLICE_API CString ConvertToDisplayTime(CString time);
+MAILSLICE_API CString GetDateMsg(int reserved1, int reserved2, double date);
+MAILSLICE_API CString GetTimeMsg(int reserved1, int reserved2, double date);
+MAILSLICE_API CString Get12hoursMsg(CString time, int marker);
+MAILSLICE_API int LoadTimeFormat();
+MAILSLICE_API int GetTimeZoneBias();
+MAILSLICE_API CString GetDayOfWeekString(int weekday);
+MAILSLICE_API CString ConvertMonthNumToString(int month);
+
 }  // extern "C"
 
 #if defined(__clang__)

@@ -3,6 +3,7 @@
 
 #include "api/export_guard.h"
 #include "api/instances.h"
+#include "datetime/date_display.h"
 
 using mailslice::api::Guarded;
 using mailslice::api::MainParser;
@@ -63,6 +64,38 @@ int IsReadingMail(CString path) {
 }
 int IsInitIndex(CString first, CString second) {
   return Guarded([&] { return MainParser().IsInitIndex(first, second); });
+}
+
+void GetParsingDate(CString value, CString* fields) {
+  Guarded([&] { MainParser().GetParsingDate(value, fields); });
+}
+CString GetNewDate(CString* fields) {
+  return Guarded([&] { return MainParser().GetNewDate(fields); });
+}
+CString ConvertToDisplayTime(CString time) {
+  return Guarded([&] { return MainParser().ConvertToDisplayTime(time); });
+}
+CString GetDateMsg(int reserved1, int reserved2, double date) {
+  return Guarded([&] { return MainParser().GetDateMsg(reserved1, reserved2, date); });
+}
+CString GetTimeMsg(int reserved1, int reserved2, double date) {
+  return Guarded([&] { return MainParser().GetTimeMsg(reserved1, reserved2, date); });
+}
+CString Get12hoursMsg(CString time, int marker) {
+  return Guarded([&] { return MainParser().Get12hoursMsg(time, marker); });
+}
+int LoadTimeFormat() {
+  return Guarded([] { return MainParser().LoadTimeFormat(); });
+}
+// The device's zone belongs to no parser.
+int GetTimeZoneBias() {
+  return Guarded([] { return mailslice::datetime::TimeZoneBias(); });
+}
+CString GetDayOfWeekString(int weekday) {
+  return Guarded([&] { return MainParser().GetDayOfWeekString(weekday); });
+}
+CString ConvertMonthNumToString(int month) {
+  return Guarded([&] { return MainParser().ConvertMonthNumToString(month); });
 }
 
 }  // extern "C"

@@ -14,6 +14,17 @@ class MailParser {
   char* OpeningMail(const CString& path) const;
   int IsReadingMail(const CString& path) const;
   int IsInitIndex(const CString& first, const CString& second) const;
+
+  // The Date header and dates shown to the user.
+  void GetParsingDate(const CString& value, CString* fields) const;
+  CString GetNewDate(const CString* fields) const;
+  CString ConvertToDisplayTime(const CString& time) const;
+  CString GetDateMsg(int reserved1, int reserved2, double date) const;
+  CString GetTimeMsg(int reserved1, int reserved2, double date) const;
+  CString Get12hoursMsg(const CString& time, int marker) const;
+  int LoadTimeFormat() const;
+  CString GetDayOfWeekString(int weekday) const;
+  CString ConvertMonthNumToString(int month) const;
 };
 
 }  // namespace mailslice::api

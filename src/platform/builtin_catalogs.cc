@@ -59,9 +59,11 @@ constexpr BuiltinMessage kKoreanEmail[] = {
 };
 
 // Resource 1: the name of the interface language.
-constexpr BuiltinMessage kEnglishResource[] = {{1, u"English"}};
-constexpr BuiltinMessage kJapaneseResource[] = {{1, u"日本語"}};
-constexpr BuiltinMessage kKoreanResource[] = {{1, u"한국어"}};
+// Resource 2: the pattern of a date shown to the user: %W the weekday word, %M the month word,
+// %m the month number, %D the day, %Y the year (the words are those of the "Email" catalog).
+constexpr BuiltinMessage kEnglishResource[] = {{1, u"English"}, {2, u"%W, %M %D, %Y"}};
+constexpr BuiltinMessage kJapaneseResource[] = {{1, u"日本語"}, {2, u"%Y年%M%D日(%W)"}};
+constexpr BuiltinMessage kKoreanResource[] = {{1, u"한국어"}, {2, u"%Y년 %M %D일 (%W)"}};
 
 }  // namespace
 

@@ -1,0 +1,160 @@
+#include "datetime/date_display.h"
+
+#include <mailslice/device.h>
+
+#include <array>
+#include <string>
+#include <string_view>
+
+#include "datetime/text_number.h"
+#include "datetime/time_format_setting.h"
+#include "platform/format_integers.h"
+#include "platform/ole_date.h"
+#include "platform/time_zone.h"
+
+namespace mailslice::datetime {
+namespace {
+
+using platform::CalendarTime;
+
+constexpr int kJapaneseLanguage = 81;
+constexpr int kKoreanLanguage = 82;
+
+// In the message file October to December (116..118) stand apart from the other months, and
+// Sunday (131) apart from the other weekdays.
+constexpr std::array<int, 12> kMonthMessages = {154, 155, 156, 157, 158, 159,
+                                                160, 161, 162, 116, 117, 118};
+constexpr std::array<int, 7> kWeekdayMessages = {131, 120, 122, 124, 126, 128, 130};
+
+constexpr int kNoon = 12;
+
+// The date pattern when the language's catalog gives none: weekday, month, day, year.
+constexpr char16_t kFallbackDatePattern[] = u"%W, %M %D, %Y";
+
+CSystemValue EmailMessages() {
+  CSystemValue messages;
+  messages.LoadMessageFile(u"Email");
+  return messages;
+}
+
+int LanguageCode() { return CVelEdit().GetCurrentLanguageCode(); }
+
+bool MarkerGoesFirst(int language) {
+  return language == kJapaneseLanguage || language == kKoreanLanguage;
+}
+
+std::u16string Decimal(int value) {
+  std::string digits = std::to_string(value);
+  return std::u16string(digits.begin(), digits.end());
+}
+
+// Fills a date pattern: %W weekday name, %M month name, %m month number, %D day, %Y year, %% a
+// percent sign. Only these conversions exist, so a pattern from a message file can put nothing
+// but these fields in the text; any other "%" sequence is kept as written.
+std::u16string ExpandDatePattern(std::u16string_view pattern, const CalendarTime& time) {
+  std::u16string out;
+  for (size_t at = 0; at < pattern.size(); ++at) {
+    if (pattern[at] != u'%' || at + 1 == pattern.size()) {
+      out += pattern[at];
+      continue;
+    }
+    switch (pattern[++at]) {
+      case u'W':
+        out += WeekdayName(time.dayOfWeek).Str();
+        break;
+      case u'M':
+        out += MonthName(time.month).Str();
+        break;
+      case u'm':
+        out += Decimal(time.month);
+        break;
+      case u'D':
+        out += Decimal(time.day);
+        break;
+      case u'Y':
+        out += Decimal(time.year);
+        break;
+      case u'%':
+        out += u'%';
+        break;
+      default:
+        out.append(pattern.substr(at - 1, 2));
+    }
+  }
+  return out;
+}
+
+}  // namespace
+
+int TimeZoneBias() {
+  platform::TimeZoneInformation zone = platform::CurrentTimeZone();
+  int bias = zone.daylightInForce ? zone.bias + zone.daylightBias : zone.bias;
+  return -bias;
+}
+
+CString MonthName(int month) {
+  if (month < 1 || month > static_cast<int>(kMonthMessages.size())) return CString();
+  return EmailMessages().GetMessageW(kMonthMessages[month - 1]);
+}
+
+CString WeekdayName(int weekday) {
+  if (weekday < 1 || weekday > static_cast<int>(kWeekdayMessages.size())) return CString();
+  return EmailMessages().GetMessageW(kWeekdayMessages[weekday - 1]);
+}
+
+CString WithDayHalfMarker(const CString& time, int marker) {
+  if (marker != kMorningMarker && marker != kAfternoonMarker) return time;
+  CString word = EmailMessages().GetMessageW(marker);
+  if (MarkerGoesFirst(LanguageCode())) return word + u" " + time;
+  return time + u" " + word;
+}
+
+std::optional<double> LocalDateOf(const CString& universalTime) {
+  CalendarTime written;
+  written.year = LeadingInteger(universalTime.Left(4).Str());
+  written.month = LeadingInteger(universalTime.Mid(5, 2).Str());
+  written.day = LeadingInteger(universalTime.Mid(8, 2).Str());
+  written.hour = LeadingInteger(universalTime.Mid(11, 2).Str());
+  written.minute = LeadingInteger(universalTime.Mid(14, 2).Str());
+  written.second = LeadingInteger(universalTime.Right(2).Str());
+  auto date = platform::ToOleDate(written);
+  if (!date) return std::nullopt;
+  return platform::AddSpan(*date, 0, 0, TimeZoneBias(), 0);
+}
+
+CString DisplayTimeOf(const CString& universalTime) {
+  CalendarTime local;  // every field 0 when the text is not a date
+  if (auto date = LocalDateOf(universalTime)) local = platform::FromOleDate(*date).value_or(local);
+  return EmailMessages().GetDateAndTimeMessage(local.year, local.month, local.day, local.hour,
+                                               local.minute, local.second);
+}
+
+CString TimeText(double date) {
+  std::u16string format = EmailMessages().GetMessageW(kTimeFormatMessage).Str();
+  int clock = LoadTimeFormat();
+  auto time = platform::FromOleDate(date);
+  if (!time) return CString();
+  if (clock == kTwentyFourHourClock) {
+    return CString(platform::FormatIntegers(format, {time->hour, time->minute, time->second}));
+  }
+  // Noon is 12 PM and midnight 12 AM.
+  bool afternoon = time->hour >= kNoon;
+  int shownHour = time->hour % kNoon == 0 ? kNoon : time->hour % kNoon;
+  CString text(platform::FormatIntegers(format, {shownHour, time->minute, time->second}));
+  return WithDayHalfMarker(text, afternoon ? kAfternoonMarker : kMorningMarker);
+}
+
+// The date is written with the pattern that the "Resource" catalog of the device's language
+// gives as resource kDatePatternResource, so a message file may change the order. The built-in
+// catalogs give English (and every language without its own catalog) "Mon, Jan 5, 2009",
+// Japanese "2009年1月5日(月)" and Korean "2009년 1월 5일 (월)"; the month and weekday words
+// come from the "Email" message file of the language.
+CString DateText(double date) {
+  auto time = platform::FromOleDate(date);
+  if (!time) return CString();
+  CString pattern = CVelEdit().GetResource(kDatePatternResource);
+  if (pattern.IsEmpty()) pattern = kFallbackDatePattern;
+  return CString(ExpandDatePattern(pattern.Str(), *time));
+}
+
+}  // namespace mailslice::datetime

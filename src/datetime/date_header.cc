@@ -1,0 +1,171 @@
+#include "datetime/date_header.h"
+
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "datetime/text_number.h"
+#include "platform/ole_date.h"
+
+namespace mailslice::datetime {
+namespace {
+
+using platform::CalendarTime;
+
+// Day names as RFC 822 writers put them in front of the date, comma and blank included.
+constexpr std::u16string_view kDayNamePrefixes[] = {u"Sun, ", u"Mon, ", u"Tue, ", u"Wed, ",
+                                                    u"Thu, ", u"Fri, ", u"Sat, "};
+constexpr size_t kDayNamePrefixLength = 5;
+// Month names are matched exactly: "JAN" is not a month.
+constexpr std::u16string_view kMonthNames[] = {u"Jan", u"Feb", u"Mar", u"Apr", u"May", u"Jun",
+                                               u"Jul", u"Aug", u"Sep", u"Oct", u"Nov", u"Dec"};
+constexpr size_t kShortestDayName = 3;
+constexpr size_t kZoneLength = 5;  // "+0900"
+
+// Trace lines ("Received: ...; Mon, 5 Jan 2009 ...") carry the date after their last ";".
+std::u16string DateAfterLastSemicolon(const CString& value) {
+  CString date = value;
+  if (int semicolon = date.ReverseFind(u';'); semicolon >= 0) date = date.Mid(semicolon + 1);
+  date.Trim();
+  return date.Str();
+}
+
+bool StartsWithDayName(std::u16string_view date) {
+  std::u16string_view head = date.substr(0, kDayNamePrefixLength);
+  return std::ranges::find(kDayNamePrefixes, head) != std::end(kDayNamePrefixes);
+}
+
+// Keeps the sign and four digits of the zone and drops what follows ("-0800 (PST)").
+void CutAfterZone(std::u16string& date) {
+  size_t sign = date.find(u'+');
+  if (sign == std::u16string::npos) sign = date.find(u'-');
+  if (sign != std::u16string::npos) date.resize(std::min(date.size(), sign + kZoneLength));
+}
+
+// A date with text in front of its day name is cut to begin at the day name. The day names
+// are tried in week order, and the first one found wins wherever it stands.
+void StartAtDayName(std::u16string& date) {
+  if (StartsWithDayName(date)) return;
+  for (std::u16string_view prefix : kDayNamePrefixes) {
+    size_t at = date.find(prefix);
+    if (at == std::u16string::npos) continue;
+    std::u16string cut = date.substr(at);
+    CutAfterZone(cut);
+    if (!cut.empty()) date = std::move(cut);
+    return;
+  }
+}
+
+std::u16string CollapseBlanks(std::u16string_view date) {
+  std::u16string collapsed;
+  collapsed.reserve(date.size());
+  for (char16_t ch : date) {
+    if (ch == u' ' && !collapsed.empty() && collapsed.back() == u' ') continue;
+    collapsed += ch;
+  }
+  return collapsed;
+}
+
+// Stores the tokens between blanks and colons in order. Tabs are not delimiters: the header
+// lookup has already turned them into blanks. The text after the last delimiter (the zone, as
+// a rule) is not stored as a token.
+void StoreTokens(std::u16string_view date, DateFields fields) {
+  int index = kDayOfWeekField;
+  std::u16string token;
+  for (char16_t ch : date) {
+    if (ch != u' ' && ch != u':') {
+      token += ch;
+      continue;
+    }
+    if (index == kDayOfWeekField && token.size() < kShortestDayName) {
+      fields[kDayOfWeekField].Empty();  // the date begins with the day of the month
+      index = kDayField;
+    }
+    if (index == kDayField && token.size() == 1) token.insert(0, 1, u'0');
+    fields[index++] = CString(std::move(token));
+    token.clear();
+    if (index == kDateFieldCount) return;  // further tokens have no entry
+  }
+}
+
+void StoreZone(std::u16string_view date, DateFields fields) {
+  size_t sign = date.find(u'+');
+  if (sign == std::u16string_view::npos) sign = date.find(u'-');
+  if (sign != std::u16string_view::npos) {
+    fields[kZoneField] = CString(std::u16string(date.substr(sign, kZoneLength)));
+  }
+}
+
+// Minutes to add to the written time to reach Coordinated Universal Time: "+0900" gives -540.
+int MinutesToUniversalTime(const CString& zone) {
+  if (zone.IsEmpty()) return 0;
+  int minutes = LeadingInteger(zone.Mid(1, 2).Str()) * 60 + LeadingInteger(zone.Right(2).Str());
+  return zone.GetAt(0) == u'+' ? -minutes : minutes;
+}
+
+int MonthNumber(const CString& name) {
+  auto found = std::ranges::find(kMonthNames, std::u16string_view(name.Str()));
+  if (found == std::end(kMonthNames)) return 0;
+  return static_cast<int>(found - std::begin(kMonthNames)) + 1;
+}
+
+int FieldNumber(DateFields fields, DateField field) { return LeadingInteger(fields[field].Str()); }
+
+std::optional<CalendarTime> UniversalTime(DateFields fields) {
+  CalendarTime written;
+  written.year = FieldNumber(fields, kYearField);
+  written.month = MonthNumber(fields[kMonthField]);
+  written.day = FieldNumber(fields, kDayField);
+  written.hour = FieldNumber(fields, kHourField);
+  written.minute = FieldNumber(fields, kMinuteField);
+  written.second = FieldNumber(fields, kSecondField);
+  auto date = platform::ToOleDate(written);
+  if (date) date = platform::AddSpan(*date, 0, 0, MinutesToUniversalTime(fields[kZoneField]), 0);
+  if (!date) return std::nullopt;
+  return platform::FromOleDate(*date);
+}
+
+CString Padded(const char16_t* format, int value) {
+  CString text;
+  text.Format(format, value);
+  return text;
+}
+
+void WriteBack(const std::optional<CalendarTime>& time, DateFields fields) {
+  if (!time) {
+    fields[kYearField] = kNoYearText;
+    for (DateField field : {kMonthField, kDayField, kHourField, kMinuteField, kSecondField}) {
+      fields[field] = kNoFieldText;
+    }
+    return;
+  }
+  fields[kYearField] = Padded(u"%04d", time->year);
+  fields[kMonthField] = Padded(u"%02d", time->month);
+  fields[kDayField] = Padded(u"%02d", time->day);
+  fields[kHourField] = Padded(u"%02d", time->hour);
+  fields[kMinuteField] = Padded(u"%02d", time->minute);
+  fields[kSecondField] = Padded(u"%02d", time->second);
+}
+
+}  // namespace
+
+void ParseDateHeader(const CString& value, DateFields fields) {
+  std::u16string date = DateAfterLastSemicolon(value);
+  StartAtDayName(date);
+  date = CollapseBlanks(date);
+  StoreTokens(date, fields);
+  StoreZone(date, fields);
+  WriteBack(UniversalTime(fields), fields);
+}
+
+CString JoinDateFields(std::span<const CString, kDateFieldCount> fields) {
+  CString joined;
+  joined.Format(u"%s/%s/%s %s:%s:%s", fields[kYearField].GetString(),
+                fields[kMonthField].GetString(), fields[kDayField].GetString(),
+                fields[kHourField].GetString(), fields[kMinuteField].GetString(),
+                fields[kSecondField].GetString());
+  return joined;
+}
+
+}  // namespace mailslice::datetime

@@ -1,0 +1,29 @@
+#include "datetime/time_format_setting.h"
+
+#include <cstdint>
+#include <string>
+
+#include "platform/registry_store.h"
+
+namespace mailslice::datetime {
+namespace {
+
+const std::string kTimeSetKey = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Corvane\\TimeSet";
+const std::string kTimeFormatValue = "TimeFormat";
+constexpr uint32_t kTwelveHourValue = 1;
+
+}  // namespace
+
+int LoadTimeFormat() {
+  if (!platform::registry::CreateOrOpenKey(kTimeSetKey)) {
+    // A device whose settings key is unusable gets a fresh one that says 24-hour.
+    platform::registry::SetDword(kTimeSetKey, kTimeFormatValue, kTwentyFourHourClock);
+    return kTwentyFourHourClock;
+  }
+  auto value = platform::registry::QueryDword(kTimeSetKey, kTimeFormatValue);
+  // A device that has never been set up has no value; it shows the 12-hour clock.
+  if (!value) return kTwelveHourClock;
+  return *value == kTwelveHourValue ? kTwelveHourClock : kTwentyFourHourClock;
+}
+
+}  // namespace mailslice::datetime
