@@ -4,6 +4,7 @@
 #define MAILSLICE_EXPORTS_H
 
 #include <mailslice/cstring.h>
+#include <mailslice/part_record.h>
 #include <mailslice/visibility.h>
 
 #if defined(__clang__)
@@ -36,6 +37,17 @@ MAILSLICE_API char* GetMessageText();  // owned by the library: the message buff
 MAILSLICE_API char* OpeningMail(CString path);
 MAILSLICE_API int IsReadingMail(CString path);
 MAILSLICE_API int IsInitIndex(CString first, CString second);
+
+// MIME parameters of a message or part text, and the multipart walker.
+MAILSLICE_API int GetBoundary(const char* text, CString& boundary, int* offset);
+MAILSLICE_API CString GetContentType(const char* text, int wholeText);
+MAILSLICE_API CString GetCharSet(const char* text);
+MAILSLICE_API CString GetTransEncode(const char* text);
+MAILSLICE_API CString TrimContType(PartRecord** records, int index);
+MAILSLICE_API CString TrimTnsEncode(PartRecord** records, int index);
+MAILSLICE_API CString TrimAttFileName(PartRecord** records, int index);
+MAILSLICE_API int GetMultiPart(const char* text, CString boundary, PartRecord** records);
+MAILSLICE_API int GetMultiPartNoInAttachFile(const char* text, CString boundary, int* count);
 
 }  // extern "C"
 
