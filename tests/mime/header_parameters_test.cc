@@ -30,8 +30,8 @@ TEST_P(BoundaryTest, ReadsTheParameter) {
 INSTANTIATE_TEST_SUITE_P(
     Spellings, BoundaryTest,
     ::testing::Values(
-        BoundaryCase{"UnquotedRunsToTheLineEnd", "X; boundary=abc; type=x\r\n", 1,
-                     u"abc; type=x", 12},
+        BoundaryCase{"UnquotedRunsToTheLineEnd", "X; boundary=abc; type=x\r\n", 1, u"abc; type=x",
+                     12},
         BoundaryCase{"Quoted", "Content-Type: multipart/mixed; boundary=\"abc\"\r\n", 1, u"abc",
                      41},
         BoundaryCase{"UpperCase", "BOUNDARY=  zz \nx", 1, u"zz", 9},
@@ -44,8 +44,7 @@ INSTANTIATE_TEST_SUITE_P(
         BoundaryCase{"QuotedReplyLine", "> Content-Type: m; boundary=\"q\"\r\n> more", 0,
                      u"untouched", -7},
         BoundaryCase{"QuotedLineWithoutReplyAfter", "> x boundary=\"q\"\r\nmore", 1, u"q", 14},
-        BoundaryCase{"ReplyAfterButNotOnItsLine", "x\r\nboundary=\"q\"\r\n> more", 1, u"q",
-                     13}),
+        BoundaryCase{"ReplyAfterButNotOnItsLine", "x\r\nboundary=\"q\"\r\n> more", 1, u"q", 13}),
     [](const auto& info) { return std::string(info.param.name); });
 
 TEST(BoundaryTest, OffsetIsOptional) {
@@ -87,8 +86,8 @@ INSTANTIATE_TEST_SUITE_P(
                         u"X-Other: y"},
         // In a bare-LF message the ";" is looked for first, across line ends, and the later cut
         // only knows CR LF.
-        ContentTypeCase{"LfMessageRunsToTheNextSemicolon",
-                        "Content-Type: text/plain\nX: a; b\n", 0, u"text/plain\nX: a"},
+        ContentTypeCase{"LfMessageRunsToTheNextSemicolon", "Content-Type: text/plain\nX: a; b\n", 0,
+                        u"text/plain\nX: a"},
         ContentTypeCase{"NoEnd", "Content-Type: text/plain", 0, u""},
         ContentTypeCase{"FieldAtTheVeryEnd", "Content-Type:", 1, u""},
         // Only an empty field before Content-Transfer-Encoding: a loop with no way out; the
@@ -115,8 +114,7 @@ TEST(CharsetTest, EndRules) {
 
 TEST(TransferEncodingTest, FieldsAndDefaults) {
   EXPECT_EQ(GetTransEncode("Content-Transfer-Encoding: Base64\r\n"), u"Base64");
-  EXPECT_EQ(GetTransEncode("Content-transfer-encoding: quoted-printable\n"),
-            u"quoted-printable");
+  EXPECT_EQ(GetTransEncode("Content-transfer-encoding: quoted-printable\n"), u"quoted-printable");
   EXPECT_EQ(GetTransEncode("Content-Transfer-Encoding: x\r\n"), u"8bit");
   EXPECT_EQ(GetTransEncode("Subject: none\r\n\r\nbody"), u"8bit");
   EXPECT_EQ(GetTransEncode("Content-Transfer-Encoding: base64"), u"8bit");  // no line end
