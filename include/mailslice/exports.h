@@ -4,6 +4,7 @@
 #define MAILSLICE_EXPORTS_H
 
 #include <mailslice/cstring.h>
+#include <mailslice/part_record.h>
 #include <mailslice/visibility.h>
 
 #if defined(__clang__)
@@ -51,6 +52,17 @@ MAILSLICE_API int LoadTimeFormat();
 MAILSLICE_API int GetTimeZoneBias();
 MAILSLICE_API CString GetDayOfWeekString(int weekday);
 MAILSLICE_API CString ConvertMonthNumToString(int month);
+
+// MIME parameters of a message or part text, and the multipart walker.
+MAILSLICE_API int GetBoundary(const char* text, CString& boundary, int* offset);
+MAILSLICE_API CString GetContentType(const char* text, int wholeText);
+MAILSLICE_API CString GetCharSet(const char* text);
+MAILSLICE_API CString GetTransEncode(const char* text);
+MAILSLICE_API CString TrimContType(PartRecord** records, int index);
+MAILSLICE_API CString TrimTnsEncode(PartRecord** records, int index);
+MAILSLICE_API CString TrimAttFileName(PartRecord** records, int index);
+MAILSLICE_API int GetMultiPart(const char* text, CString boundary, PartRecord** records);
+MAILSLICE_API int GetMultiPartNoInAttachFile(const char* text, CString boundary, int* count);
 
 }  // extern "C"
 

@@ -98,4 +98,32 @@ CString ConvertMonthNumToString(int month) {
   return Guarded([&] { return MainParser().ConvertMonthNumToString(month); });
 }
 
+int GetBoundary(const char* text, CString& boundary, int* offset) {
+  return Guarded([&] { return MainParser().GetBoundary(text, boundary, offset); });
+}
+CString GetContentType(const char* text, int wholeText) {
+  return Guarded([&] { return MainParser().GetContentType(text, wholeText); });
+}
+CString GetCharSet(const char* text) {
+  return Guarded([&] { return MainParser().GetCharSet(text); });
+}
+CString GetTransEncode(const char* text) {
+  return Guarded([&] { return MainParser().GetTransEncode(text); });
+}
+CString TrimContType(PartRecord** records, int index) {
+  return Guarded([&] { return MainParser().TrimContType(records, index); });
+}
+CString TrimTnsEncode(PartRecord** records, int index) {
+  return Guarded([&] { return MainParser().TrimTnsEncode(records, index); });
+}
+CString TrimAttFileName(PartRecord** records, int index) {
+  return Guarded([&] { return MainParser().TrimAttFileName(records, index); });
+}
+int GetMultiPart(const char* text, CString boundary, PartRecord** records) {
+  return Guarded([&] { return MainParser().GetMultiPart(text, boundary, records); });
+}
+int GetMultiPartNoInAttachFile(const char* text, CString boundary, int* count) {
+  return Guarded([&] { return MainParser().GetMultiPartNoInAttachFile(text, boundary, count); });
+}
+
 }  // extern "C"

@@ -5,6 +5,7 @@
 #define MAILSLICE_API_MAIL_PARSER_H
 
 #include <mailslice/cstring.h>
+#include <mailslice/part_record.h>
 
 namespace mailslice::api {
 
@@ -25,6 +26,17 @@ class MailParser {
   int LoadTimeFormat() const;
   CString GetDayOfWeekString(int weekday) const;
   CString ConvertMonthNumToString(int month) const;
+
+  // MIME parameters and the multipart walker.
+  int GetBoundary(const char* text, CString& boundary, int* offset) const;
+  CString GetContentType(const char* text, int wholeText) const;
+  CString GetCharSet(const char* text) const;
+  CString GetTransEncode(const char* text) const;
+  CString TrimContType(PartRecord** records, int index) const;
+  CString TrimTnsEncode(PartRecord** records, int index) const;
+  CString TrimAttFileName(PartRecord** records, int index) const;
+  int GetMultiPart(const char* text, const CString& boundary, PartRecord** records) const;
+  int GetMultiPartNoInAttachFile(const char* text, const CString& boundary, int* count) const;
 };
 
 }  // namespace mailslice::api
