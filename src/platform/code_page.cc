@@ -7,6 +7,7 @@
 #include <bit>
 #include <cstring>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "platform/device_settings.h"
@@ -77,8 +78,13 @@ class ConverterCache {
   std::vector<Entry> entries_;
 };
 
-iconv_t Converter(std::string from, std::string to) {
+ConverterCache& Cache() {
   thread_local ConverterCache cache;
+  return cache;
+}
+
+iconv_t Converter(std::string from, std::string to) {
+  ConverterCache& cache = Cache();
   iconv_t descriptor = cache.Get(from, to);
   if (descriptor != reinterpret_cast<iconv_t>(-1)) return descriptor;
   if (from != kUtf16Name) from = kFallbackCodePage;
@@ -152,15 +158,44 @@ size_t CharacterBytes(std::string_view rest) {
   return pair ? 4 : 2;
 }
 
-}  // namespace
+// The Windows code pages that mail programs name by another charset, which the messages'
+// bytes really are in.
+constexpr std::pair<std::string_view, std::string_view> kCharsetAliases[] = {
+    {"shift_jis", "CP932"}, {"x-sjis", "CP932"},         {"sjis", "CP932"},
+    {"euc-kr", "CP949"},    {"ks_c_5601-1987", "CP949"}, {"ks_c_5601", "CP949"},
+    {"iso-8859-1", "CP1252"}, {"us-ascii", "CP1252"},    {"gb2312", "GBK"},
+};
 
-std::u16string MultiByteToWide(unsigned codePage, std::string_view bytes) {
+std::string LowerAscii(std::string_view text) {
+  std::string lower(text);
+  for (char& ch : lower) {
+    if (ch >= 'A' && ch <= 'Z') ch = static_cast<char>(ch - 'A' + 'a');
+  }
+  return lower;
+}
+
+std::u16string ConvertToWide(iconv_t descriptor, std::string_view bytes) {
   static const char16_t kReplacement[1] = {kReplacementCharacter};
   const std::string_view replacement = AsBytes(std::u16string_view(kReplacement, 1));
-  iconv_t descriptor = Converter(IconvName(codePage), kUtf16Name);
   return FromBytes(Run(descriptor, bytes, [&](std::string_view, bool incomplete) {
     return Refusal{1, replacement, incomplete};
   }));
+}
+
+}  // namespace
+
+std::optional<std::u16string> CharsetToWide(std::string_view charset, std::string_view bytes) {
+  std::string name = LowerAscii(charset);
+  for (auto [alias, codePage] : kCharsetAliases) {
+    if (name == alias) name = codePage;
+  }
+  iconv_t descriptor = Cache().Get(name, kUtf16Name);
+  if (name.empty() || descriptor == reinterpret_cast<iconv_t>(-1)) return std::nullopt;
+  return ConvertToWide(descriptor, bytes);
+}
+
+std::u16string MultiByteToWide(unsigned codePage, std::string_view bytes) {
+  return ConvertToWide(Converter(IconvName(codePage), kUtf16Name), bytes);
 }
 
 std::string WideToMultiByte(unsigned codePage, std::u16string_view text) {

@@ -4,6 +4,7 @@
 #ifndef MAILSLICE_PLATFORM_CODE_PAGE_H
 #define MAILSLICE_PLATFORM_CODE_PAGE_H
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -26,6 +27,12 @@ std::string WideToMultiByte(unsigned codePage, std::u16string_view text);
 // the first NUL or at the first character that the code page cannot hold, and what was
 // converted before it is the result (so such a character leaves the text short).
 std::string WideToMultiByteUntilFailure(std::u16string_view text);
+
+// Text in a charset that a message names ("utf-8", "ISO-2022-JP", "ks_c_5601-1987", ...), read
+// as MultiByteToWide reads a code page; nothing when the charset is unknown. Names are taken in
+// any letter case, and the names mail programs use for the Windows code pages read as those
+// (Shift_JIS as CP932, EUC-KR and ks_c_5601-1987 as CP949, ISO-8859-1 and US-ASCII as CP1252).
+std::optional<std::u16string> CharsetToWide(std::string_view charset, std::string_view bytes);
 
 // Shorthands for the device ANSI code page.
 std::u16string AnsiToWide(std::string_view bytes);

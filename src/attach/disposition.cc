@@ -1,0 +1,23 @@
+#include "attach/disposition.h"
+
+#include <cstring>
+#include <string_view>
+
+#include "platform/code_page.h"
+
+namespace mailslice::attach {
+
+CString ReadDisposition(const char* partText) {
+  if (partText == nullptr) return CString();
+  for (const char* spelling : {"Content-Disposition:", "Content-disposition:"}) {
+    const char* at = std::strstr(partText, spelling);
+    if (at == nullptr) continue;
+    const char* value = at + std::strlen(spelling);
+    size_t length = std::strcspn(value, ";\r\n");
+    CString disposition(platform::AnsiToWide(std::string_view(value, length)));
+    return disposition.Trim();
+  }
+  return CString();
+}
+
+}  // namespace mailslice::attach

@@ -1,0 +1,244 @@
+#include "attach/file_name_reader.h"
+
+#include <cstring>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/code_page.h"
+
+namespace mailslice::attach {
+namespace {
+
+constexpr const char* kFileNameSpellings[] = {"filename=",    "Filename=",   "name=",
+                                              "filename*0*=", "filename*1=", "filename*="};
+constexpr std::string_view kMetaElement = "<meta ";
+constexpr std::string_view kExtendedParameter = "filename*";
+constexpr int kMostContinuations = 4096;
+
+struct ContentTypeExtension {
+  const char16_t* contentType;
+  const char16_t* extension;
+};
+
+constexpr ContentTypeExtension kExtensions[] = {
+    {u"application/pdf", u".pdf"},  {u"application/zip", u".zip"},  {u"image/jpeg", u".jpg"},
+    {u"image/png", u".png"},        {u"image/gif", u".gif"},        {u"text/plain", u".txt"},
+    {u"text/html", u".html"},       {u"message/rfc822", u".eml"},   {u"text/calendar", u".ics"},
+    {u"application/msword", u".doc"},
+};
+
+bool IsBlank(char ch) { return ch == ' ' || ch == '\t'; }
+
+// A parameter value: a quoted string (backslash escapes honoured, line breaks of a folded
+// value dropped) or a token up to ";" or the line end, trimmed.
+std::string ReadValue(const char* at) {
+  while (IsBlank(*at)) ++at;
+  std::string value;
+  if (*at == '"') {
+    for (++at; *at != '\0' && *at != '"'; ++at) {
+      if (*at == '\\' && at[1] != '\0') {
+        value += *++at;
+      } else if (*at == '\r' || *at == '\n') {
+        const char* next = at + (at[0] == '\r' && at[1] == '\n' ? 2 : 1);
+        if (!IsBlank(*next)) break;  // an unclosed quote ends with its line
+        at = next - 1;
+      } else {
+        value += *at;
+      }
+    }
+    return value;
+  }
+  for (; *at != '\0' && *at != ';' && *at != '\r' && *at != '\n'; ++at) value += *at;
+  while (!value.empty() && IsBlank(value.back())) value.pop_back();
+  return value;
+}
+
+int HexDigit(char ch) {
+  if (ch >= '0' && ch <= '9') return ch - '0';
+  if (ch >= 'a' && ch <= 'f') return ch - 'a' + 10;
+  if (ch >= 'A' && ch <= 'F') return ch - 'A' + 10;
+  return -1;
+}
+
+// %XX sequences to bytes; a "%" that starts no such sequence stays.
+std::string PercentDecoded(std::string_view text) {
+  std::string bytes;
+  for (size_t i = 0; i < text.size(); ++i) {
+    int high = i + 2 < text.size() && text[i] == '%' ? HexDigit(text[i + 1]) : -1;
+    int low = high >= 0 ? HexDigit(text[i + 2]) : -1;
+    if (low < 0) {
+      bytes += text[i];
+      continue;
+    }
+    bytes += static_cast<char>(high * 16 + low);
+    i += 2;
+  }
+  return bytes;
+}
+
+bool IsValidUtf8(std::string_view bytes) {
+  return platform::MultiByteToWide(platform::kUtf8CodePage, bytes).find(u'\uFFFD') ==
+         std::u16string::npos;
+}
+
+// Bytes of a name in the charset the sender named; without one (or with one this host does
+// not know), UTF-8 when the bytes are valid UTF-8, else the device code page.
+CString NameFromBytes(std::string_view bytes, std::string_view charset = {}) {
+  if (!charset.empty()) {
+    if (auto text = platform::CharsetToWide(charset, bytes)) return CString(std::move(*text));
+  }
+  if (IsValidUtf8(bytes)) return CString(platform::MultiByteToWide(platform::kUtf8CodePage, bytes));
+  return CString(platform::AnsiToWide(bytes));
+}
+
+// An RFC 2231 value: charset'language'percent-encoded text.
+struct ExtendedValue {
+  std::string charset;
+  std::string bytes;
+};
+
+ExtendedValue SplitExtended(std::string_view value) {
+  size_t first = value.find('\'');
+  size_t second = first == std::string_view::npos ? first : value.find('\'', first + 1);
+  if (second == std::string_view::npos) return {{}, PercentDecoded(value)};
+  return {std::string(value.substr(0, first)), PercentDecoded(value.substr(second + 1))};
+}
+
+// charset'language' in front of the text: a charset name, then a language tag (maybe empty).
+bool LooksExtended(std::string_view value) {
+  size_t first = value.find('\'');
+  size_t second = first == std::string_view::npos ? first : value.find('\'', first + 1);
+  if (first == 0 || second == std::string_view::npos) return false;
+  auto all = [](std::string_view part, std::string_view allowed) {
+    return part.find_first_not_of(allowed) == std::string_view::npos;
+  };
+  constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
+  return all(value.substr(0, first), std::string(kLetters) + "0123456789-_.:") &&
+         all(value.substr(first + 1, second - first - 1), std::string(kLetters) + "-");
+}
+
+struct Continuation {
+  bool encoded = false;
+  std::string value;
+};
+
+// Every "filename*<n>=" and "filename*<n>*=" piece of the text, by number; "filename*=" is
+// piece -1.
+std::map<int, Continuation> ExtendedPieces(const char* text) {
+  std::map<int, Continuation> pieces;
+  for (const char* at = std::strstr(text, kExtendedParameter.data()); at != nullptr;
+       at = std::strstr(at + 1, kExtendedParameter.data())) {
+    const char* cursor = at + kExtendedParameter.size();
+    int number = -1;
+    if (*cursor >= '0' && *cursor <= '9') {
+      number = 0;
+      while (*cursor >= '0' && *cursor <= '9' && number <= kMostContinuations) {
+        number = number * 10 + (*cursor++ - '0');
+      }
+    }
+    bool encoded = number < 0 || *cursor == '*';
+    if (number >= 0 && *cursor == '*') ++cursor;
+    if (*cursor != '=' || number > kMostContinuations) continue;
+    pieces.try_emplace(number, Continuation{encoded, ReadValue(cursor + 1)});
+  }
+  return pieces;
+}
+
+// The pieces joined in order from the first one; the charset of an encoded first piece applies
+// to the whole name.
+CString JoinContinuations(const std::map<int, Continuation>& pieces) {
+  auto piece = pieces.lower_bound(0);
+  if (piece == pieces.end()) return CString();
+  std::string charset, bytes;
+  for (int expected = piece->first; piece != pieces.end() && piece->first == expected;
+       ++piece, ++expected) {
+    if (!piece->second.encoded) {
+      bytes += piece->second.value;
+    } else if (expected == pieces.lower_bound(0)->first) {
+      ExtendedValue first = SplitExtended(piece->second.value);
+      charset = first.charset;
+      bytes += first.bytes;
+    } else {
+      bytes += PercentDecoded(piece->second.value);
+    }
+  }
+  return NameFromBytes(bytes, charset);
+}
+
+const char* FindSpelling(const char* text, const char*& spelling) {
+  for (const char* candidate : kFileNameSpellings) {
+    const char* at = std::strstr(text, candidate);
+    if (at == nullptr) continue;
+    bool metaElement = std::strcmp(candidate, "name=") == 0 &&
+                       at - text > static_cast<std::ptrdiff_t>(kMetaElement.size()) &&
+                       std::string_view(at - kMetaElement.size(), kMetaElement.size()) ==
+                           kMetaElement;
+    if (metaElement) continue;  // an HTML <meta name=...>, not a file name
+    spelling = candidate;
+    return at;
+  }
+  return nullptr;
+}
+
+CString ExtensionFor(const CString& contentType) {
+  for (const ContentTypeExtension& entry : kExtensions) {
+    if (contentType.CompareNoCase(entry.contentType) == 0) return entry.extension;
+  }
+  return CString();
+}
+
+// "report.pdf.pdf" names one PDF: the extension is said once.
+CString WithoutDoubledExtension(const CString& name) {
+  int last = name.ReverseFind(u'.');
+  if (last <= 0) return name;
+  int before = name.Left(last).ReverseFind(u'.');
+  if (before < 0) return name;
+  CString outer = name.Mid(last + 1);
+  if (outer.IsEmpty() || name.Mid(before + 1, last - before - 1) != outer) return name;
+  return name.Left(last);
+}
+
+}  // namespace
+
+CString ReadFileNameParameter(const char* partText) {
+  if (partText == nullptr) return CString();
+  const char* spelling = nullptr;
+  const char* at = FindSpelling(partText, spelling);
+  if (at == nullptr) return CString();
+  std::string_view found(spelling);
+  if (found == "filename*=") {
+    ExtendedValue value = SplitExtended(ReadValue(at + found.size()));
+    return NameFromBytes(value.bytes, value.charset);
+  }
+  if (found == "filename*0*=" || found == "filename*1=") {
+    return JoinContinuations(ExtendedPieces(partText));
+  }
+  std::string value = ReadValue(at + found.size());
+  // Some mail programs write the RFC 2231 form ("utf-8''%E6%97%A5.pdf") after a plain spelling.
+  if (LooksExtended(value)) {
+    ExtendedValue extended = SplitExtended(value);
+    return NameFromBytes(extended.bytes, extended.charset);
+  }
+  return NameFromBytes(value);
+}
+
+CString ListedFileName(const CString& name, const CString& contentType) {
+  std::u16string safe;
+  for (char16_t ch : WithoutDoubledExtension(name).Str()) {
+    if (ch == u'/' || ch == u'\\') {
+      safe += u'_';  // a name never reaches into another folder
+    } else if (ch >= 0x20 && ch != 0x7F) {
+      safe += ch;
+    }
+  }
+  CString listed(std::move(safe));
+  listed.Trim();
+  if (listed.IsEmpty() || listed == u"." || listed == u"..") {
+    return CString(u"noname") + ExtensionFor(contentType);
+  }
+  return listed;
+}
+
+}  // namespace mailslice::attach

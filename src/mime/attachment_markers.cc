@@ -1,0 +1,49 @@
+#include "mime/attachment_markers.h"
+
+#include <cstring>
+
+namespace mailslice::mime {
+namespace {
+
+constexpr const char* kCountedMarkers[] = {"attachment", "attach;", "filename=", "filename*0*=",
+                                           "name="};
+constexpr const char* kDispositionFields[] = {"Content-Disposition:", "Content-disposition:",
+                                              "Content-description:"};
+// "name=" is part of "filename=", so the last spelling accepts a file named in any of them.
+constexpr const char* kFileNameSpellings[] = {"filename=",   "Filename=",   "filename*0*=",
+                                              "filename*0=", "filename*1=", "filename*=",
+                                              "name="};
+
+int CountOccurrences(const char* text, const char* marker) {
+  int count = 0;
+  for (const char* at = std::strstr(text, marker); at != nullptr; at = std::strstr(at + 1, marker)) {
+    ++count;
+  }
+  return count;
+}
+
+bool ContainsAny(const char* text, const auto& spellings) {
+  for (const char* spelling : spellings) {
+    if (std::strstr(text, spelling) != nullptr) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+int CountAttachmentMarkers(const char* text) {
+  if (text == nullptr) return 0;
+  int count = 0;
+  for (const char* marker : kCountedMarkers) {
+    count = CountOccurrences(text, marker);
+    if (count > 0) break;
+  }
+  return count;
+}
+
+int IsAttachmentHeader(const char* text) {
+  if (text == nullptr || !ContainsAny(text, kDispositionFields)) return 0;
+  return ContainsAny(text, kFileNameSpellings) ? 1 : 0;
+}
+
+}  // namespace mailslice::mime
