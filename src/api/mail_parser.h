@@ -14,6 +14,10 @@ class MailParser {
   char* OpeningMail(const CString& path) const;
   int IsReadingMail(const CString& path) const;
   int IsInitIndex(const CString& first, const CString& second) const;
+
+  // Transfer decodings; the results are new buffers that the caller frees.
+  char* Base64Decode(const char* text, int* length) const;
+  char* QPdecode(const char* text) const;
 };
 
 }  // namespace mailslice::api
