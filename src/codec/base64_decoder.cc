@@ -12,8 +12,8 @@ namespace {
 // Every byte outside the alphabet, "=", CR, LF and bytes with bit 7 set included, reads as this
 // mark; it is negative as a signed byte, and that matters where it enters a group.
 constexpr int8_t kOutsideAlphabet = static_cast<int8_t>(0x82);
-// A decoded group of three bytes and the one-byte held back per block at most, plus the group
-// of a block's end, fit in this much room beyond the block's own length.
+// Room a block decoding needs beyond the block's own length: for the byte held back from the
+// block before, the group it completes and the three bytes of a last group.
 constexpr size_t kBlockSlack = 8;
 
 constexpr std::array<int8_t, 256> MakeDecodingTable() {
