@@ -16,8 +16,8 @@ struct Base64Group {
   unsigned char count = 0;
 };
 
-// The operations are virtual in this order, the order of the device library's coder; the class
-// is final, so its own calls to them are direct.
+// The operations are virtual, in the order in which callers on the handheld find them in the
+// object's table; the class is final, so its own calls to them are direct.
 class Base64Coder final {
  public:
   Base64Coder() = default;

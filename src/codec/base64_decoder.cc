@@ -96,7 +96,8 @@ size_t DecodeWholeGroups(const unsigned char* text, size_t pos, size_t end, Outp
 // the decoder reads one past it. The "=" test is made only at the top of a pass: an "=" met
 // while skipping (at the start of a line, say) is skipped like any other stray byte. When the
 // input runs out while skipping, the byte at hand is taken whatever it is, and spoils the
-// group it enters; that is how mail clients have always seen this decoder's output end.
+// group it enters: a body's closing line break leaves a stray byte after the counted ones, and
+// callers go by the count.
 void Run(Base64Progress& progress, const unsigned char* text, size_t pos, size_t end, bool last,
          unsigned char beyond, Output& out) {
   while (!progress.stopped) {
@@ -135,7 +136,7 @@ void Run(Base64Progress& progress, const unsigned char* text, size_t pos, size_t
 }
 
 // An incomplete last group: its three bytes are all written, but only one fewer than its
-// characters is counted. For canonical input the uncounted ones are 0.
+// characters is counted. For canonical input that ends on its padding the uncounted ones are 0.
 void StoreLastGroup(Base64Progress& progress, Output& out) {
   uint32_t characters = progress.taken % 4;
   if (characters == 0) return;

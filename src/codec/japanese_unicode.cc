@@ -41,7 +41,7 @@ void JapaneseConverter::Utf7ToDevice(char* heapText) const {
   if (heapText == nullptr) return;
   std::u16string wide = platform::MultiByteToWide(platform::kUtf7CodePage, heapText);
   std::free(heapText);
-  // The narrowed text is made and dropped: the device library never handed it back.
+  // The narrowed text is made and dropped: callers have never received it.
   platform::WideToMultiByte(platform::kAnsiCodePage, wide);
 }
 

@@ -33,8 +33,8 @@ Decoded Decode(const std::string& text, int count) {
   return decoded;
 }
 
-// The decoder read literally: counters i and L as the device library kept them, and a read
-// position that may look one byte past the count (here into padding).
+// The decoder read literally: the counters i and L of the plain loop, and a read position that
+// may look one byte past the count (here into padding).
 Decoded ReferenceDecode(const std::string& text, int count) {
   auto value = [](unsigned char c) -> int8_t {
     const char* at = c == 0 ? nullptr : std::strchr(kAlphabet, c);
