@@ -64,6 +64,27 @@ MAILSLICE_API CString TrimAttFileName(PartRecord** records, int index);
 MAILSLICE_API int GetMultiPart(const char* text, CString boundary, PartRecord** records);
 MAILSLICE_API int GetMultiPartNoInAttachFile(const char* text, CString boundary, int* count);
 
+// Codecs. Decoded and converted text comes in new heap blocks that the caller frees with free;
+// the Base64 coder's messages belong to the coder until the matching FreeMemory call.
+MAILSLICE_API char* Base64Decode(const char* text, int* length);  // length may be null
+MAILSLICE_API char* QPdecode(const char* text);
+MAILSLICE_API char* Encode(const unsigned char* bytes, int length);
+MAILSLICE_API char* EncodeToChar(const unsigned char* bytes, int length);
+MAILSLICE_API CString EncodeToCString(const unsigned char* bytes, int length, int reserved);
+MAILSLICE_API void Base64CoderEncode(const char* text);  // null is ignored
+MAILSLICE_API void Base64CoderDecode(const char* text);  // null is ignored
+MAILSLICE_API char* Base64CoderEncodedMessage();
+MAILSLICE_API char* Base64CoderDecodedMessage();
+MAILSLICE_API int Base64CoderEncodedLength();
+MAILSLICE_API int Base64CoderDecodedLength();
+MAILSLICE_API void Base64CoderEncodedFreeMemory();
+MAILSLICE_API void Base64CoderDecodedFreeMemory();
+MAILSLICE_API int euc2sjs(char* text);                      // in place
+MAILSLICE_API char* jis2sjs(char* dest, const char* src);   // returns dest
+MAILSLICE_API void SJIStoJIS(char* dest, const char* src);  // writes no NUL of its own
+MAILSLICE_API void utf72sjs(char* heapText);                // frees its argument
+MAILSLICE_API char* utf82sjs(const char* text);
+
 }  // extern "C"
 
 #if defined(__clang__)

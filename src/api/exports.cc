@@ -5,7 +5,10 @@
 #include "api/instances.h"
 #include "datetime/date_display.h"
 
+using mailslice::api::Base64Coder;
+using mailslice::api::Encoder;
 using mailslice::api::Guarded;
+using mailslice::api::JapaneseConverter;
 using mailslice::api::MainParser;
 using mailslice::api::MessageBuffer;
 
@@ -124,6 +127,61 @@ int GetMultiPart(const char* text, CString boundary, PartRecord** records) {
 }
 int GetMultiPartNoInAttachFile(const char* text, CString boundary, int* count) {
   return Guarded([&] { return MainParser().GetMultiPartNoInAttachFile(text, boundary, count); });
+}
+
+char* Base64Decode(const char* text, int* length) {
+  return Guarded([&] { return MainParser().Base64Decode(text, length); });
+}
+char* QPdecode(const char* text) {
+  return Guarded([&] { return MainParser().QPdecode(text); });
+}
+char* Encode(const unsigned char* bytes, int length) {
+  return Guarded([&] { return Encoder().Encode(bytes, length); });
+}
+char* EncodeToChar(const unsigned char* bytes, int length) {
+  return Guarded([&] { return Encoder().EncodeToChar(bytes, length); });
+}
+CString EncodeToCString(const unsigned char* bytes, int length, int /*reserved*/) {
+  return Guarded([&] { return Encoder().EncodeToCString(bytes, length); });
+}
+void Base64CoderEncode(const char* text) {
+  Guarded([&] { Base64Coder().Encode(text); });
+}
+void Base64CoderDecode(const char* text) {
+  Guarded([&] { Base64Coder().Decode(text); });
+}
+char* Base64CoderEncodedMessage() {
+  return Guarded([] { return Base64Coder().EncodedMessage(); });
+}
+char* Base64CoderDecodedMessage() {
+  return Guarded([] { return reinterpret_cast<char*>(Base64Coder().DecodedMessage()); });
+}
+int Base64CoderEncodedLength() {
+  return Guarded([] { return static_cast<int>(Base64Coder().EncodedMessageSize()); });
+}
+int Base64CoderDecodedLength() {
+  return Guarded([] { return static_cast<int>(Base64Coder().DecodedMessageSize()); });
+}
+void Base64CoderEncodedFreeMemory() {
+  Guarded([] { Base64Coder().FreeEncoded(); });
+}
+void Base64CoderDecodedFreeMemory() {
+  Guarded([] { Base64Coder().FreeDecoded(); });
+}
+int euc2sjs(char* text) {
+  return Guarded([&] { return JapaneseConverter().EucToShiftJis(text); });
+}
+char* jis2sjs(char* dest, const char* src) {
+  return Guarded([&] { return JapaneseConverter().JisToShiftJis(dest, src); });
+}
+void SJIStoJIS(char* dest, const char* src) {
+  Guarded([&] { JapaneseConverter().ShiftJisToJis(dest, src); });
+}
+void utf72sjs(char* heapText) {
+  Guarded([&] { JapaneseConverter().Utf7ToDevice(heapText); });
+}
+char* utf82sjs(const char* text) {
+  return Guarded([&] { return JapaneseConverter().Utf8ToDevice(text); });
 }
 
 }  // extern "C"

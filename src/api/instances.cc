@@ -11,11 +11,17 @@ namespace mailslice::api {
 namespace {
 
 MailParser g_mainParser;
+codec::OutgoingEncoder g_encoder;
+codec::JapaneseConverter g_japaneseConverter;
+codec::Base64Coder g_base64Coder;
 MessageBufferHolder g_messageBuffer;
 
 }  // namespace
 
 MailParser& MainParser() { return g_mainParser; }
+codec::OutgoingEncoder& Encoder() { return g_encoder; }
+codec::JapaneseConverter& JapaneseConverter() { return g_japaneseConverter; }
+codec::Base64Coder& Base64Coder() { return g_base64Coder; }
 MessageBufferHolder& MessageBuffer() { return g_messageBuffer; }
 
 }  // namespace mailslice::api

@@ -4,10 +4,16 @@
 
 #include "api/mail_parser.h"
 #include "api/message_buffer.h"
+#include "codec/base64_coder.h"
+#include "codec/base64_encoder.h"
+#include "codec/japanese_converter.h"
 
 namespace mailslice::api {
 
 MailParser& MainParser();
+codec::OutgoingEncoder& Encoder();
+codec::JapaneseConverter& JapaneseConverter();
+codec::Base64Coder& Base64Coder();
 MessageBufferHolder& MessageBuffer();
 
 }  // namespace mailslice::api

@@ -37,6 +37,10 @@ class MailParser {
   CString TrimAttFileName(PartRecord** records, int index) const;
   int GetMultiPart(const char* text, const CString& boundary, PartRecord** records) const;
   int GetMultiPartNoInAttachFile(const char* text, const CString& boundary, int* count) const;
+
+  // Transfer decodings; the results are new buffers that the caller frees.
+  char* Base64Decode(const char* text, int* length) const;
+  char* QPdecode(const char* text) const;
 };
 
 }  // namespace mailslice::api

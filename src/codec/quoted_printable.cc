@@ -1,0 +1,96 @@
+#include "codec/quoted_printable.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <cstring>
+
+#include "platform/device_settings.h"
+
+namespace mailslice::codec {
+namespace {
+
+constexpr int8_t kNotHexDigit = static_cast<int8_t>(0x82);
+// An escape is "=" and two hex digits.
+constexpr size_t kEscapeLength = 3;
+
+// Only upper-case hex digits: mail encoders write them so, and "=3d" stays text.
+constexpr std::array<int8_t, 256> MakeHexTable() {
+  std::array<int8_t, 256> table{};
+  table.fill(kNotHexDigit);
+  for (int digit = 0; digit < 10; ++digit) table['0' + digit] = static_cast<int8_t>(digit);
+  for (int digit = 0; digit < 6; ++digit) table['A' + digit] = static_cast<int8_t>(10 + digit);
+  return table;
+}
+constexpr std::array<int8_t, 256> kHexTable = MakeHexTable();
+
+bool IsHexDigit(unsigned char byte) { return kHexTable[byte] != kNotHexDigit; }
+
+struct Decoding {
+  const unsigned char* in;
+  const unsigned char* end;  // the terminating NUL
+  unsigned char* out;
+  int error = 0;
+};
+
+// Decodes the escape whose "=" is at `in`, which has at least two bytes after it. A soft line
+// break ("=" CR LF) gives nothing. The look for CR LF is made at both digit places and skips
+// two bytes from the first of them either way, so "=A" CR LF swallows the A and the CR. A
+// broken escape drops only the "=": the bytes after it are read again as text.
+void DecodeEscape(Decoding& d) {
+  const unsigned char* digits = d.in + 1;
+  bool valid = true;
+  for (int k = 0; k < 2; ++k) {
+    if (!IsHexDigit(digits[k])) valid = false;
+    if (digits[k] == '\r' && digits[k + 1] == '\n') {
+      d.in = digits + 2;
+      return;
+    }
+    d.error = 1;
+  }
+  d.in = digits;
+  if (!valid) return;
+  *d.out++ = static_cast<unsigned char>(kHexTable[digits[0]] * 16 | kHexTable[digits[1]]);
+  d.in += 2;
+}
+
+// Copies the run of plain bytes up to the next "=" in one go; true when an "=" follows.
+bool CopyPlainRun(Decoding& d) {
+  const auto* equals =
+      static_cast<const unsigned char*>(std::memchr(d.in, '=', static_cast<size_t>(d.end - d.in)));
+  const unsigned char* stop = equals != nullptr ? equals : d.end;
+  std::memcpy(d.out, d.in, static_cast<size_t>(stop - d.in));
+  d.out += stop - d.in;
+  d.in = stop;
+  return equals != nullptr;
+}
+
+}  // namespace
+
+char* DecodeQuotedPrintable(const char* text, int* length, int* error) {
+  if (text == nullptr) text = "";
+  size_t size = std::strlen(text);
+  auto* buffer = static_cast<unsigned char*>(std::calloc(size + 1, 1));
+  if (buffer == nullptr) return nullptr;
+  const auto* in = reinterpret_cast<const unsigned char*>(text);
+  Decoding d{in, in + size, buffer};
+  bool cut = false;
+  while (CopyPlainRun(d)) {
+    if (static_cast<size_t>(d.end - d.in) < kEscapeLength) {
+      cut = true;  // an escape cut by the end of the text ends the decoding where it stands
+      d.error = 1;
+      break;
+    }
+    DecodeEscape(d);
+  }
+  if (error != nullptr) *error = d.error;
+  if (cut) return reinterpret_cast<char*>(buffer);
+  if (length != nullptr) {
+    *length = static_cast<int>(d.out - buffer);
+  } else if (platform::LanguageCode() == kUnderscoreSpaceLanguage) {
+    std::replace(buffer, d.out, static_cast<unsigned char>('_'), static_cast<unsigned char>(' '));
+  }
+  return reinterpret_cast<char*>(buffer);
+}
+
+}  // namespace mailslice::codec

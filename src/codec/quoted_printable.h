@@ -1,0 +1,19 @@
+// Quoted-printable decoding of message bodies, attachments and encoded words.
+#ifndef MAILSLICE_CODEC_QUOTED_PRINTABLE_H
+#define MAILSLICE_CODEC_QUOTED_PRINTABLE_H
+
+namespace mailslice::codec {
+
+// The device language whose mail writes spaces in encoded words as underscores.
+inline constexpr int kUnderscoreSpaceLanguage = 33;
+
+// Decodes the NUL-terminated `text` into a new calloc'd, NUL-terminated buffer of (length of
+// text + 1) bytes that the caller frees (null only when memory runs out). With `length`, the
+// number of decoded bytes is stored there. Without it, underscores become spaces when the
+// device language is kUnderscoreSpaceLanguage. An escape cut by the end of the text ends the
+// decoding at once, with neither. *error receives the error flag.
+char* DecodeQuotedPrintable(const char* text, int* length, int* error = nullptr);
+
+}  // namespace mailslice::codec
+
+#endif  // MAILSLICE_CODEC_QUOTED_PRINTABLE_H
