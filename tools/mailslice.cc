@@ -20,6 +20,8 @@ constexpr char kUsage[] =
     "commands:\n"
     "  headers FILE   print the raw header values: From, To, Cc, Bcc, Subject, Date,\n"
     "                 Reply-To and the three delivery fields, and the Date in local time\n"
+    "  attachments FILE\n"
+    "                 list the names of the attachments, one a line\n"
     "\n"
     "The device settings come from the environment (see README.md): MAILSLICE_DEVICE_TYPE,\n"
     "MAILSLICE_LANGUAGE, MAILSLICE_CODEPAGE, MAILSLICE_MESSAGES, MAILSLICE_REGISTRY,\n"
@@ -77,6 +79,24 @@ int ShowHeaders(const std::vector<std::string>& arguments) {
 
 }  // namespace
 
+int ListAttachments(const std::vector<std::string>& arguments) {
+  if (arguments.size() != 1) {
+    std::fputs("usage: mailslice attachments FILE\n", stderr);
+    return 2;
+  }
+  const std::string& file = arguments[0];
+  std::string problem;
+  if (!mailslice::tools::LoadMessage(file, problem)) return Fail(file, problem);
+  CString names;
+  int count = 0;
+  GetAttachFile(GetMessageText(), names, &count);
+  for (int i = 0; i < GetAttachArrayCount(); ++i) {
+    std::printf("%s\n", GetAttachArrayFile(i).ToUtf8().c_str());
+  }
+  MessageMemoryFree();
+  return 0;
+}
+
 int main(int argc, char** argv) {
   std::vector<std::string> arguments(argv + 1, argv + argc);
   if (arguments.empty() || arguments[0] == "--help" || arguments[0] == "-h" ||
@@ -87,6 +107,7 @@ int main(int argc, char** argv) {
   std::string command = arguments[0];
   arguments.erase(arguments.begin());
   if (command == "headers") return ShowHeaders(arguments);
+  if (command == "attachments") return ListAttachments(arguments);
   std::fprintf(stderr, "mailslice: unknown command '%s' (try mailslice --help)\n", command.c_str());
   return 2;
 }

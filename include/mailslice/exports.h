@@ -85,6 +85,17 @@ MAILSLICE_API void SJIStoJIS(char* dest, const char* src);  // writes no NUL of 
 MAILSLICE_API void utf72sjs(char* heapText);                // frees its argument
 MAILSLICE_API char* utf82sjs(const char* text);
 
+// Attachments. GetAttachFile lists the attachments of a message into the library's
+// attachment list, read back with GetAttachArrayCount and GetAttachArrayFile (an index out of
+// range gives an empty string). OnDeleteMailMessage frees records made for GetMultiPart.
+MAILSLICE_API int GetAttachNumber(const char* text);
+MAILSLICE_API int GetAttachFile(const char* text, CString& names, int* count);
+MAILSLICE_API int GetMultiPartAttachInfo(PartRecord** records, int count);
+MAILSLICE_API int GetAttachArrayCount();
+MAILSLICE_API CString GetAttachArrayFile(int index);
+MAILSLICE_API void AttachArrayRemoveall();
+MAILSLICE_API void OnDeleteMailMessage(PartRecord** records, int count);
+
 }  // extern "C"
 
 #if defined(__clang__)

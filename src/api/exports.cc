@@ -184,4 +184,26 @@ char* utf82sjs(const char* text) {
   return Guarded([&] { return JapaneseConverter().Utf8ToDevice(text); });
 }
 
+int GetAttachNumber(const char* text) {
+  return Guarded([&] { return MainParser().GetAttachNumber(text); });
+}
+int GetAttachFile(const char* text, CString& names, int* count) {
+  return Guarded([&] { return MainParser().GetAttachFile(text, names, count); });
+}
+int GetMultiPartAttachInfo(PartRecord** records, int count) {
+  return Guarded([&] { return MainParser().GetMultiPartAttachInfo(records, count); });
+}
+int GetAttachArrayCount() {
+  return Guarded([] { return MainParser().GetAttachArrayCount(); });
+}
+CString GetAttachArrayFile(int index) {
+  return Guarded([&] { return MainParser().GetAttachArrayFile(index); });
+}
+void AttachArrayRemoveall() {
+  Guarded([] { MainParser().AttachArrayRemoveall(); });
+}
+void OnDeleteMailMessage(PartRecord** records, int count) {
+  Guarded([&] { MainParser().OnDeleteMailMessage(records, count); });
+}
+
 }  // extern "C"

@@ -7,10 +7,21 @@
 #include <mailslice/cstring.h>
 #include <mailslice/part_record.h>
 
+#include "attach/attachment_list.h"
+
 namespace mailslice::api {
 
 class MailParser {
  public:
+  // Attachments: the estimate, the listing into the attachment list, and the list itself.
+  int GetAttachNumber(const char* text) const;
+  int GetAttachFile(const char* text, CString& names, int* count);
+  int GetMultiPartAttachInfo(PartRecord** records, int count);
+  int GetAttachArrayCount() const;
+  CString GetAttachArrayFile(int index) const;
+  void AttachArrayRemoveall();
+  void OnDeleteMailMessage(PartRecord** records, int count) const;
+
   // Read state of message files.
   char* OpeningMail(const CString& path) const;
   int IsReadingMail(const CString& path) const;
@@ -41,6 +52,9 @@ class MailParser {
   // Transfer decodings; the results are new buffers that the caller frees.
   char* Base64Decode(const char* text, int* length) const;
   char* QPdecode(const char* text) const;
+
+ private:
+  attach::AttachmentList attachments_;  // the names of the latest listing
 };
 
 }  // namespace mailslice::api

@@ -11,8 +11,8 @@
 namespace mailslice::attach {
 namespace {
 
-constexpr const char* kFileNameSpellings[] = {"filename=",    "Filename=",   "name=",
-                                              "filename*0*=", "filename*1=", "filename*="};
+constexpr const char* kFileNameSpellings[] = {
+    "filename=", "Filename=", "name=", "filename*0*=", "filename*1=", "filename*="};
 constexpr std::string_view kMetaElement = "<meta ";
 constexpr std::string_view kExtendedParameter = "filename*";
 constexpr int kMostContinuations = 4096;
@@ -23,9 +23,9 @@ struct ContentTypeExtension {
 };
 
 constexpr ContentTypeExtension kExtensions[] = {
-    {u"application/pdf", u".pdf"},  {u"application/zip", u".zip"},  {u"image/jpeg", u".jpg"},
-    {u"image/png", u".png"},        {u"image/gif", u".gif"},        {u"text/plain", u".txt"},
-    {u"text/html", u".html"},       {u"message/rfc822", u".eml"},   {u"text/calendar", u".ics"},
+    {u"application/pdf", u".pdf"},    {u"application/zip", u".zip"}, {u"image/jpeg", u".jpg"},
+    {u"image/png", u".png"},          {u"image/gif", u".gif"},       {u"text/plain", u".txt"},
+    {u"text/html", u".html"},         {u"message/rfc822", u".eml"},  {u"text/calendar", u".ics"},
     {u"application/msword", u".doc"},
 };
 
@@ -171,10 +171,10 @@ const char* FindSpelling(const char* text, const char*& spelling) {
   for (const char* candidate : kFileNameSpellings) {
     const char* at = std::strstr(text, candidate);
     if (at == nullptr) continue;
-    bool metaElement = std::strcmp(candidate, "name=") == 0 &&
-                       at - text > static_cast<std::ptrdiff_t>(kMetaElement.size()) &&
-                       std::string_view(at - kMetaElement.size(), kMetaElement.size()) ==
-                           kMetaElement;
+    bool metaElement =
+        std::strcmp(candidate, "name=") == 0 &&
+        at - text > static_cast<std::ptrdiff_t>(kMetaElement.size()) &&
+        std::string_view(at - kMetaElement.size(), kMetaElement.size()) == kMetaElement;
     if (metaElement) continue;  // an HTML <meta name=...>, not a file name
     spelling = candidate;
     return at;
@@ -226,7 +226,8 @@ CString ReadFileNameParameter(const char* partText) {
 
 CString ListedFileName(const CString& name, const CString& contentType) {
   std::u16string safe;
-  for (char16_t ch : WithoutDoubledExtension(name).Str()) {
+  CString collapsed = WithoutDoubledExtension(name);
+  for (char16_t ch : collapsed.Str()) {
     if (ch == u'/' || ch == u'\\') {
       safe += u'_';  // a name never reaches into another folder
     } else if (ch >= 0x20 && ch != 0x7F) {

@@ -5,18 +5,18 @@
 namespace mailslice::mime {
 namespace {
 
-constexpr const char* kCountedMarkers[] = {"attachment", "attach;", "filename=", "filename*0*=",
-                                           "name="};
-constexpr const char* kDispositionFields[] = {"Content-Disposition:", "Content-disposition:",
-                                              "Content-description:"};
+constexpr const char* kCountedMarkers[] = {"attachment", "attach;",
+                                           "filename=", "filename*0*=", "name="};
+constexpr const char* kDispositionFields[] = {
+    "Content-Disposition:", "Content-disposition:", "Content-description:"};
 // "name=" is part of "filename=", so the last spelling accepts a file named in any of them.
-constexpr const char* kFileNameSpellings[] = {"filename=",   "Filename=",   "filename*0*=",
-                                              "filename*0=", "filename*1=", "filename*=",
-                                              "name="};
+constexpr const char* kFileNameSpellings[] = {
+    "filename=", "Filename=", "filename*0*=", "filename*0=", "filename*1=", "filename*=", "name="};
 
 int CountOccurrences(const char* text, const char* marker) {
   int count = 0;
-  for (const char* at = std::strstr(text, marker); at != nullptr; at = std::strstr(at + 1, marker)) {
+  for (const char* at = std::strstr(text, marker); at != nullptr;
+       at = std::strstr(at + 1, marker)) {
     ++count;
   }
   return count;

@@ -1,0 +1,29 @@
+// Listing the attachments of a message: cutting it into part records, marking and naming the
+// attachments, and rebuilding the attachment list from them.
+#ifndef MAILSLICE_ATTACH_ATTACHMENT_LISTING_H
+#define MAILSLICE_ATTACH_ATTACHMENT_LISTING_H
+
+#include <mailslice/cstring.h>
+#include <mailslice/part_record.h>
+
+#include "attach/attachment_list.h"
+
+namespace mailslice::attach {
+
+// Lists the attachments of the message text into `list` (emptied first). Returns 0 when the
+// text has no attachment marker or cannot be walked, else 1 (also for a message that has markers
+// but no boundary, which lists nothing). `names` is emptied and `*count` set to 0; the names
+// are read back from the list. The caller's text is never written: a missing closing
+// delimiter is repaired on a private copy.
+int ListAttachments(const char* text, CString& names, int* count, AttachmentList& list);
+
+// Marks and names the attachments among records 0 .. count - 1 and rebuilds `list` from them
+// (record 0 is looked at even when count is 0). Returns the number of names listed.
+int FillAttachmentRecords(PartRecord** records, int count, AttachmentList& list);
+
+// Frees the texts of records 0 .. count - 1 and deletes them, leaving null pointers behind.
+void DeleteRecords(PartRecord** records, int count);
+
+}  // namespace mailslice::attach
+
+#endif  // MAILSLICE_ATTACH_ATTACHMENT_LISTING_H

@@ -1,0 +1,111 @@
+#include <gtest/gtest.h>
+#include <mailslice/exports.h>
+
+#include <string>
+
+#include "mime/attachment_markers.h"
+#include "support/test_support.h"
+
+namespace {
+
+using mailslice::mime::CountAttachmentMarkers;
+using mailslice::mime::IsAttachmentHeader;
+
+std::string Message(const std::string& parts, const std::string& closing = "--B--\r\n") {
+  return "Content-Type: multipart/mixed; boundary=\"B\"\r\n\r\n" + parts + closing;
+}
+
+const std::string kText = "--B\r\nContent-Type: text/plain\r\n\r\nhello\r\n";
+const std::string kPdf =
+    "--B\r\nContent-Type: application/pdf; name=\"r.pdf\"\r\n"
+    "Content-Disposition: attachment; filename=\"report.pdf.pdf\"\r\n\r\nJVBE\r\n";
+
+std::vector<std::string> Listed(const std::string& message, int expectedResult = 1) {
+  CString names(u"stale");
+  int count = -1;
+  EXPECT_EQ(GetAttachFile(message.c_str(), names, &count), expectedResult);
+  std::vector<std::string> listed;
+  for (int i = 0; i < GetAttachArrayCount(); ++i) listed.push_back(GetAttachArrayFile(i).ToUtf8());
+  return listed;
+}
+
+TEST(AttachmentMarkersTest, FirstMarkerWithHitsGivesTheCount) {
+  EXPECT_EQ(CountAttachmentMarkers("attachment attachment filename="), 2);
+  EXPECT_EQ(CountAttachmentMarkers("x filename*0*=a"), 1);  // the fourth marker
+  EXPECT_EQ(CountAttachmentMarkers("name= name="), 2);
+  EXPECT_EQ(CountAttachmentMarkers("plain text"), 0);
+  EXPECT_EQ(CountAttachmentMarkers(nullptr), 0);
+  EXPECT_EQ(IsAttachmentHeader("Content-Disposition: inline; filename=a.txt"), 1);
+  EXPECT_EQ(IsAttachmentHeader("Content-description: x\r\nname=\"a\""), 1);
+  EXPECT_EQ(IsAttachmentHeader("Content-Type: text/plain; filename=a.txt"), 0);
+  EXPECT_EQ(IsAttachmentHeader("Content-Disposition: attachment"), 0);
+}
+
+TEST(AttachmentListingTest, ListsNamedPartsInOrder) {
+  std::string message =
+      Message(kText + kPdf + "--B\r\nContent-Type: message/rfc822\r\n\r\nFrom: a\r\n\r\nhi\r\n" +
+              "--B\r\nContent-Type: text/plain; name=\"x.txt\"\r\n\r\nno "
+              "disposition\r\n");
+  EXPECT_EQ(Listed(message), (std::vector<std::string>{"report.pdf", "noname.eml"}));
+  EXPECT_EQ(GetAttachArrayFile(2), u"");  // one past the end
+  EXPECT_EQ(GetAttachArrayFile(-1), u"");
+  AttachArrayRemoveall();
+  EXPECT_EQ(GetAttachArrayCount(), 0);
+}
+
+TEST(AttachmentListingTest, EmbeddedMessagesAreNamedBySubject) {
+  // Without an attachment marker elsewhere the message would count no attachment at all.
+  std::string message = Message(
+      "--B\r\nContent-Type: message/rfc822\r\n\r\nSubject: Re: plan? <v2>\r\n\r\nhi\r\n" + kPdf);
+  EXPECT_EQ(Listed(message), (std::vector<std::string>{"Re plan v2.eml", "report.pdf"}));
+  mailslice::testing::ScopedEnv japanese("MAILSLICE_LANGUAGE", "81");
+  EXPECT_EQ(Listed(message), (std::vector<std::string>{"Re： plan？ ＜v2＞.eml", "report.pdf"}));
+}
+
+TEST(AttachmentListingTest, MessagesWithoutMarkersOrBoundary) {
+  Listed(Message(kPdf));
+  EXPECT_EQ(Listed("Subject: none\r\n\r\nplain body\r\n", 0), std::vector<std::string>{});
+  Listed(Message(kPdf));
+  EXPECT_EQ(Listed("Subject: x\r\n\r\nsee the attachment\r\n"), std::vector<std::string>{});
+}
+
+TEST(AttachmentListingTest, MissingClosingDelimiterIsRepairedOnACopy) {
+  // The repair appends the boundary and "--" (without the leading "--"), so the open last part
+  // still has no end; the parts before it are listed, and the caller's text is unchanged.
+  std::string message = Message(kPdf + kPdf, "");
+  std::string before = message;
+  EXPECT_EQ(Listed(message), std::vector<std::string>{"report.pdf"});
+  EXPECT_EQ(message, before);
+}
+
+TEST(AttachmentListingTest, RecordsCanBeFilledAndFreedByTheCaller) {
+  std::string message = Message(kText + kPdf);
+  int count = 0;
+  ASSERT_EQ(GetMultiPartNoInAttachFile(message.c_str(), u"B", &count), 0);
+  ASSERT_EQ(count, 2);
+  auto** records = new PartRecord*[count + 1];
+  for (int i = 0; i <= count; ++i) records[i] = new PartRecord();
+  ASSERT_EQ(GetMultiPart(message.c_str(), u"B", records), 0);
+  GetMultiPartAttachInfo(records, count);
+  EXPECT_EQ(records[0]->kind, 0);
+  EXPECT_EQ(records[1]->kind, 'A');
+  EXPECT_EQ(TrimAttFileName(records, 1), u"report.pdf");
+  EXPECT_EQ(TrimContType(records, 1), u"application/pdf");
+  EXPECT_EQ(TrimTnsEncode(records, 1), u"8bit");
+  EXPECT_EQ(records[1]->disposition, u"attachment");
+  EXPECT_EQ(GetAttachArrayCount(), 1);
+  OnDeleteMailMessage(records, count + 1);
+  EXPECT_EQ(records[0], nullptr);
+  delete[] records;
+}
+
+TEST(AttachmentListingTest, HostileMessagesFinish) {
+  std::string many;
+  for (int i = 0; i < 10'000; ++i) many += kPdf;
+  EXPECT_EQ(Listed(Message(many)).size(), 10'000u);
+  std::string oneCharacter = "Content-Type: multipart/mixed; boundary=x\r\n\r\nfilename=";
+  for (int i = 0; i < 100'000; ++i) oneCharacter += "--x";
+  Listed(oneCharacter);
+}
+
+}  // namespace
