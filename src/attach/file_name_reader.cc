@@ -128,9 +128,10 @@ struct Continuation {
 // piece -1.
 std::map<int, Continuation> ExtendedPieces(const char* text) {
   std::map<int, Continuation> pieces;
-  for (const char* at = std::strstr(text, kExtendedParameter.data()); at != nullptr;
-       at = std::strstr(at + 1, kExtendedParameter.data())) {
-    const char* cursor = at + kExtendedParameter.size();
+  std::string_view whole(text);
+  for (size_t found = whole.find(kExtendedParameter); found != std::string_view::npos;
+       found = whole.find(kExtendedParameter, found + 1)) {
+    const char* cursor = text + found + kExtendedParameter.size();
     int number = -1;
     if (*cursor >= '0' && *cursor <= '9') {
       number = 0;

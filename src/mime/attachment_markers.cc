@@ -1,6 +1,7 @@
 #include "mime/attachment_markers.h"
 
 #include <cstring>
+#include <string_view>
 
 namespace mailslice::mime {
 namespace {
@@ -13,10 +14,10 @@ constexpr const char* kDispositionFields[] = {
 constexpr const char* kFileNameSpellings[] = {
     "filename=", "Filename=", "filename*0*=", "filename*0=", "filename*1=", "filename*=", "name="};
 
-int CountOccurrences(const char* text, const char* marker) {
+int CountOccurrences(std::string_view text, std::string_view marker) {
   int count = 0;
-  for (const char* at = std::strstr(text, marker); at != nullptr;
-       at = std::strstr(at + 1, marker)) {
+  for (size_t at = text.find(marker); at != std::string_view::npos;
+       at = text.find(marker, at + 1)) {
     ++count;
   }
   return count;

@@ -4,15 +4,17 @@
 
 namespace mailslice::mime {
 
-ContentTypeReader::ContentTypeReader()
+ContentTypeReader::ContentTypeReader(std::string_view text)
     : unguarded_(
-          std::string(kContentTypeField),
+          text, std::string(kContentTypeField),
           [](const char* at) { return !RunsIntoNextFieldName(at + kContentTypeField.size()); }),
-      lowerCase_(std::string(kContentTypeFieldLower),
+      lowerCase_(text, std::string(kContentTypeFieldLower),
                  [](const char* at) {
                    return !StartsWith(at + kContentTypeFieldLower.size(), kTransferEncodingName);
                  }),
-      any_(std::string(kContentTypeField)) {}
+      any_(text, std::string(kContentTypeField)),
+      crlf_(text, "\r\n"),
+      lf_(text, "\n") {}
 
 const CString& ContentTypeReader::At(const char* position) {
   const char* field = unguarded_.Next(position);

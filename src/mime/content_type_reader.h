@@ -16,8 +16,8 @@ namespace mailslice::mime {
 
 class ContentTypeReader {
  public:
-  ContentTypeReader();
-  // The whole-text content type of the text that starts at `position`.
+  explicit ContentTypeReader(std::string_view text);
+  // The whole-text content type of the text that starts at `position` (a position in `text`).
   const CString& At(const char* position);
 
  private:
@@ -26,8 +26,8 @@ class ContentTypeReader {
   ForwardFinder unguarded_;
   ForwardFinder lowerCase_;
   ForwardFinder any_;
-  ForwardFinder crlf_{"\r\n"};
-  ForwardFinder lf_{"\n"};
+  ForwardFinder crlf_;
+  ForwardFinder lf_;
   const char* cachedField_ = nullptr;
   std::optional<CString> cached_;
 };

@@ -1,22 +1,23 @@
-// Repeated forward searches in one NUL-terminated text, each starting at or after the last:
-// the answer of the previous search is kept, so a walk over the whole text scans it once
-// instead of once per step.
+// Repeated forward searches in one text, each starting at or after the last: the answer of the
+// previous search is kept, so a walk over the whole text scans it once instead of once per
+// step. The text's end is known, so no search has to measure the rest of the text again.
 #ifndef MAILSLICE_MIME_FORWARD_FINDER_H
 #define MAILSLICE_MIME_FORWARD_FINDER_H
 
-#include <cstring>
 #include <functional>
 #include <string>
+#include <string_view>
 
 namespace mailslice::mime {
 
 class ForwardFinder {
  public:
-  // Occurrences of `needle` for which `accept` (given the occurrence) is true.
-  explicit ForwardFinder(std::string needle, std::function<bool(const char*)> accept = nullptr)
-      : needle_(std::move(needle)), accept_(std::move(accept)) {}
+  // Occurrences of `needle` in `text` for which `accept` (given the occurrence) is true.
+  ForwardFinder(std::string_view text, std::string needle,
+                std::function<bool(const char*)> accept = nullptr)
+      : text_(text), needle_(std::move(needle)), accept_(std::move(accept)) {}
 
-  // The first accepted occurrence at or after `from`, or null.
+  // The first accepted occurrence at or after `from` (a position in the text), or null.
   const char* Next(const char* from) {
     if (from < lastFrom_) return Search(from);  // not a forward step: search afresh
     lastFrom_ = from;
@@ -31,13 +32,15 @@ class ForwardFinder {
 
  private:
   const char* Search(const char* from) const {
-    for (const char* at = std::strstr(from, needle_.c_str()); at != nullptr;
-         at = std::strstr(at + 1, needle_.c_str())) {
-      if (!accept_ || accept_(at)) return at;
+    size_t start = static_cast<size_t>(from - text_.data());
+    for (size_t at = text_.find(needle_, start); at != std::string_view::npos;
+         at = text_.find(needle_, at + 1)) {
+      if (!accept_ || accept_(text_.data() + at)) return text_.data() + at;
     }
     return nullptr;
   }
 
+  std::string_view text_;
   std::string needle_;
   std::function<bool(const char*)> accept_;
   const char* lastFrom_ = nullptr;

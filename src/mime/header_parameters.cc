@@ -46,16 +46,30 @@ const char* LineEndBehind(const char* valueStart) {
   return *valueStart == '\0' ? nullptr : LineEnd(valueStart + 1);
 }
 
+// The first occurrence of `needle` at or after `from` for which `accept` holds, or null.
+template <typename Accept>
+const char* FindAccepted(std::string_view text, const char* from, std::string_view needle,
+                         Accept accept) {
+  for (size_t at = text.find(needle, static_cast<size_t>(from - text.data()));
+       at != std::string_view::npos; at = text.find(needle, at + 1)) {
+    if (accept(text.data() + at)) return text.data() + at;
+  }
+  return nullptr;
+}
+
 const char* FindContentTypeField(const char* text, int wholeText) {
+  std::string_view whole(text);
   const char* point = wholeText == 0 ? MimeVersionLine(text) : text;
   while (true) {
-    for (const char* found = std::strstr(point, kContentTypeField.data()); found != nullptr;
-         found = std::strstr(found + 1, kContentTypeField.data())) {
-      if (!RunsIntoNextFieldName(found + kContentTypeField.size())) return found;
+    if (const char* found = FindAccepted(whole, point, kContentTypeField, [](const char* at) {
+          return !RunsIntoNextFieldName(at + kContentTypeField.size());
+        })) {
+      return found;
     }
-    for (const char* found = std::strstr(text, kContentTypeFieldLower.data()); found != nullptr;
-         found = std::strstr(found + 1, kContentTypeFieldLower.data())) {
-      if (!StartsWith(found + kContentTypeFieldLower.size(), kTransferEncodingName)) return found;
+    if (const char* found = FindAccepted(whole, text, kContentTypeFieldLower, [](const char* at) {
+          return !StartsWith(at + kContentTypeFieldLower.size(), kTransferEncodingName);
+        })) {
+      return found;
     }
     // A field before the MIME version line is the last resort.
     const char* first = std::strstr(text, kContentTypeField.data());

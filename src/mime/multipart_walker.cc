@@ -24,12 +24,15 @@ std::string Delimiter(const CString& boundary) {
 class Walk {
  public:
   Walk(const char* text, const CString& boundary)
-      : text_(text), outer_(Delimiter(boundary)), closing_(outer_.needle() + "--") {}
+      : text_(text),
+        outer_(text_, Delimiter(boundary)),
+        closing_(text_, outer_.needle() + "--"),
+        contentTypes_(text_) {}
 
   int Run(const std::function<bool(const Piece&)>& take) {
     // Cutting starts one character behind the header's end, so a delimiter right at the start
     // of a text without header is passed over.
-    const char* position = outer_.Next(text_ + GetHeaderLength(text_) + 1);
+    const char* position = outer_.Next(text_.data() + GetHeaderLength(text_.data()) + 1);
     if (position == nullptr) return kWalkNotMultipart;
     FindNestedBoundary(position);
     while (true) {
@@ -60,7 +63,7 @@ class Walk {
     int offset = -1;
     if (GetBoundary(position, nested, &offset) == 0) return;
     if (offset >= 0) embeddedStart_ = position + offset;
-    inner_.emplace(Delimiter(nested));
+    inner_.emplace(text_, Delimiter(nested));
     if (inner_->needle() == outer_.needle()) {
       embeddedEnd_ = closing_.Next(position);
       if (embeddedEnd_ == nullptr) embeddedStart_ = nullptr;
@@ -79,7 +82,7 @@ class Walk {
     return pieceStart;
   }
 
-  const char* text_;
+  std::string_view text_;  // measured once: every search below knows where the text ends
   ForwardFinder outer_;
   ForwardFinder closing_;
   std::optional<ForwardFinder> inner_;

@@ -175,7 +175,7 @@ TEST(ContentTypeReaderTest, AgreesWithTheWholeTextReadingAtEveryStep) {
   for (int round = 0; round < 300; ++round) {
     std::string text;
     for (int i = 0; i < 12; ++i) text += pieces[random() % std::size(pieces)];
-    ContentTypeReader reader;
+    ContentTypeReader reader(text);
     for (size_t at = 0; at <= text.size(); at += 1 + random() % 4) {
       ASSERT_EQ(reader.At(text.c_str() + at), GetContentType(text.c_str() + at, 1))
           << text << " @" << at;
