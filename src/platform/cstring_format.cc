@@ -71,20 +71,20 @@ void AppendPadded(std::u16string& out, std::u16string_view text, const Conversio
   if (left) out.append(padding, u' ');
 }
 
-std::string NarrowSpec(const Conversion& conversion) {
-  std::string spec = "%" + conversion.flags;
-  if (conversion.width >= 0) spec += std::to_string(conversion.width);
-  if (conversion.precision >= 0) spec += "." + std::to_string(conversion.precision);
-  return spec + conversion.length + conversion.type;
+std::string NarrowDirective(const Conversion& conversion) {
+  std::string directive = "%" + conversion.flags;
+  if (conversion.width >= 0) directive += std::to_string(conversion.width);
+  if (conversion.precision >= 0) directive += "." + std::to_string(conversion.precision);
+  return directive + conversion.length + conversion.type;
 }
 
 template <typename T>
 void AppendNumber(std::u16string& out, const Conversion& conversion, T value) {
-  std::string spec = NarrowSpec(conversion);
-  int size = std::snprintf(nullptr, 0, spec.c_str(), value);
+  std::string directive = NarrowDirective(conversion);
+  int size = std::snprintf(nullptr, 0, directive.c_str(), value);
   if (size <= 0) return;
   std::string text(static_cast<size_t>(size) + 1, '\0');
-  std::snprintf(text.data(), text.size(), spec.c_str(), value);
+  std::snprintf(text.data(), text.size(), directive.c_str(), value);
   out.append(text.begin(), text.begin() + size);  // ASCII only
 }
 
