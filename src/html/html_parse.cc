@@ -37,13 +37,24 @@ std::unique_ptr<HtmlElement> MakeContentElement(std::string_view name, std::stri
   return element;
 }
 
+// True when `text` begins with `prefix`; stops at the terminating NUL.
+bool StartsWith(const char* text, std::string_view prefix) {
+  for (char ch : prefix) {
+    if (*text++ != ch) return false;
+  }
+  return true;
+}
+
 bool EndsTagName(char ch) { return ch == '\n' || ch == ' ' || ch == '>' || ch == '\0'; }
 
 bool EndsAttributeName(char ch) { return ch == ' ' || ch == '=' || ch == '<' || ch == '>'; }
 
 class Parser {
  public:
-  Parser(const char* text, HtmlDocument& document) : cursor_(text), document_(document) {}
+  // The end is found once, so that each later search knows its length and none scans the rest
+  // of the page again.
+  Parser(const char* text, HtmlDocument& document)
+      : cursor_(text), end_(text + std::strlen(text)), document_(document) {}
 
   void Run() {
     while (cursor_ && *cursor_ != '\0' && static_cast<unsigned char>(*cursor_) != kEndOfPageByte) {
@@ -70,29 +81,25 @@ class Parser {
     cursor_ = SkipHtmlSpace(cursor_);
     if (*cursor_ == '\0' || *cursor_ == '<') return nullptr;
     const char* start = cursor_;
-    const char* end = std::strchr(start, '<');
-    while (end && !MarkupFollows(end)) end = std::strchr(end + 1, '<');
-    if (!end) {
-      std::string_view run(start);
-      cursor_ = nullptr;
-      return MakeContentElement(kTextElementName, run);
-    }
-    cursor_ = end;
-    return MakeContentElement(kTextElementName, std::string_view(start, end - start));
+    const char* end = FindLessThan(start);
+    while (end && !MarkupFollows(end)) end = FindLessThan(end + 1);
+    cursor_ = end;  // null when the run takes the rest of the page
+    return MakeContentElement(kTextElementName,
+                              std::string_view(start, (end ? end : end_) - start));
   }
 
   // An unterminated comment swallows the rest of the page.
   std::unique_ptr<HtmlElement> ReadComment() {
-    if (std::string_view(cursor_).starts_with(kCommentOpen)) cursor_ += kCommentOpen.size();
-    const char* start = cursor_;
-    const char* close = std::strstr(start, kCommentClose.data());
-    if (!close) {
-      cursor_ += std::strlen(cursor_);
+    if (StartsWith(cursor_, kCommentOpen)) cursor_ += kCommentOpen.size();
+    const std::string_view rest(cursor_, end_ - cursor_);
+    const size_t close = rest.find(kCommentClose);
+    if (close == std::string_view::npos) {
+      cursor_ = end_;
       return nullptr;
     }
-    cursor_ = close + kCommentClose.size();
-    if (close == start) return nullptr;
-    return MakeContentElement(kCommentElementName, std::string_view(start, close - start));
+    cursor_ += close + kCommentClose.size();
+    if (close == 0) return nullptr;
+    return MakeContentElement(kCommentElementName, rest.substr(0, close));
   }
 
   // Tab and CR do not end a tag name: "<td\tclass=c>" is one name. A name that reaches
@@ -166,7 +173,12 @@ class Parser {
     }
   }
 
-  const char* cursor_;  // null once a text run has taken the rest of the page
+  const char* FindLessThan(const char* from) const {
+    return static_cast<const char*>(std::memchr(from, '<', end_ - from));
+  }
+
+  const char* cursor_;     // null once a text run has taken the rest of the page
+  const char* const end_;  // the terminating NUL
   HtmlDocument& document_;
 };
 

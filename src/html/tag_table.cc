@@ -75,12 +75,12 @@ class TagTrie {
   void Add(std::string_view tag) {
     uint16_t node = 0;
     for (char ch : tag) {
-      uint16_t& child = nodes_[node].next[ch - kFirstSymbol];
-      if (child == 0) {
-        child = static_cast<uint16_t>(nodes_.size());
-        nodes_.emplace_back();
+      size_t symbol = ch - kFirstSymbol;
+      if (nodes_[node].next[symbol] == 0) {
+        nodes_.emplace_back();  // may move the nodes: index them afresh below
+        nodes_[node].next[symbol] = static_cast<uint16_t>(nodes_.size() - 1);
       }
-      node = child;
+      node = nodes_[node].next[symbol];
     }
     nodes_[node].complete = true;
   }

@@ -153,6 +153,10 @@ TEST(HtmlDocumentTest, SurvivesHostilePages) {
   EXPECT_EQ(ParseAndDescribe("a<" + std::string(1'000'000, '\t') + "zz").size(), 1u);
 
   constexpr size_t kDepth = 1'000'000;
+  std::string comments;
+  for (size_t i = 0; i < kDepth; ++i) comments += "<!--c-->";
+  EXPECT_EQ(ParseAndDescribe(comments).size(), kDepth);
+
   std::string nested;
   for (size_t i = 0; i < kDepth; ++i) nested += "<div>";
   nested += "x";
