@@ -111,7 +111,9 @@ std::string Run(iconv_t descriptor, std::string_view input, OnRefusal onRefusal)
     if (written + refusal.replacement.size() > output.size()) {
       output.resize(output.size() * 2 + refusal.replacement.size());
     }
-    std::memcpy(output.data() + written, refusal.replacement.data(), refusal.replacement.size());
+    if (!refusal.replacement.empty()) {
+      std::memcpy(output.data() + written, refusal.replacement.data(), refusal.replacement.size());
+    }
     written += refusal.replacement.size();
     if (refusal.stop) break;
     in += refusal.skip;
