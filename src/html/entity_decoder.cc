@@ -19,8 +19,8 @@
 namespace mailslice::html {
 namespace {
 
-constexpr std::u16string_view kXhtmlBreak = u"<br />";
-constexpr std::u16string_view kLineBreak = u"\r\n";
+constexpr const char16_t* kXhtmlBreak = u"<br />";
+constexpr const char16_t* kLineBreak = u"\r\n";
 constexpr char16_t kReferenceOpen = u'&';
 constexpr char16_t kReferenceClose = u';';
 constexpr std::u16string_view kMadeReferenceOpen = u"&";
@@ -69,18 +69,6 @@ class ReferenceIndex {
 const ReferenceIndex& Index() {
   static const ReferenceIndex index;
   return index;
-}
-
-std::u16string ReplaceAll(std::u16string_view text, std::u16string_view from,
-                          std::u16string_view to) {
-  std::u16string result;
-  result.reserve(text.size());
-  size_t start = 0;
-  for (size_t at; (at = text.find(from, start)) != std::u16string_view::npos;
-       start = at + from.size()) {
-    result.append(text.substr(start, at - start)).append(to);
-  }
-  return result.append(text.substr(start));
 }
 
 // The text between the "&" (or the character standing for it) at `open` and the next ";",
@@ -143,8 +131,9 @@ std::u16string RemoveTagSpans(std::u16string_view text) {
 }  // namespace
 
 CString HtmlEntityDecoder::Decode(const CString& text) const {
-  std::u16string decoded = DecodeReferences(ReplaceAll(text.Str(), kXhtmlBreak, kLineBreak));
-  CString result(RemoveTagSpans(decoded));
+  CString withBreaks(text);
+  withBreaks.Replace(kXhtmlBreak, kLineBreak);
+  CString result(RemoveTagSpans(DecodeReferences(withBreaks.Str())));
   result.TrimRight();
   result.TrimLeft();
   return result;

@@ -12,7 +12,8 @@
 namespace mailslice::html {
 namespace {
 
-// Some mail programs pad bodies with 0xFF after the end; the reader stops there.
+// Read as a signed character, byte 255 is EOF (-1): the device's reader took it for the end of
+// the page when an item starts there.
 constexpr unsigned char kEndOfPageByte = 0xFF;
 constexpr std::string_view kCommentOpen = "!--";
 constexpr std::string_view kCommentClose = "-->";
@@ -23,17 +24,20 @@ std::unique_ptr<HtmlElement> MakeElement(std::string_view name) {
   return element;
 }
 
-// A pseudo-element carrying `content` in its "TEXT" attribute; null when memory ran out.
+// When memory runs out, the value is dropped and the attribute keeps none.
+void StoreValue(HtmlAttribute& attribute, std::string_view value) {
+  try {
+    attribute.SetValue(value);
+  } catch (const std::bad_alloc&) {
+  }
+}
+
+// A pseudo-element carrying `content` in its "TEXT" attribute. Whatever memory could not be
+// found for (the element, the attribute or its value) is left out.
 std::unique_ptr<HtmlElement> MakeContentElement(std::string_view name, std::string_view content) {
   std::unique_ptr<HtmlElement> element = MakeElement(name);
-  if (!element) return nullptr;
-  HtmlAttribute* attribute = element->AddAttribute(kContentAttributeName);
-  if (!attribute) return nullptr;
-  try {
-    attribute->SetValue(content);
-  } catch (const std::bad_alloc&) {
-    return nullptr;
-  }
+  HtmlAttribute* attribute = element ? element->AddAttribute(kContentAttributeName) : nullptr;
+  if (attribute) StoreValue(*attribute, content);
   return element;
 }
 
@@ -127,12 +131,7 @@ class Parser {
       cursor_ = SkipHtmlSpace(cursor_);
       if (AtTagEnd()) return;
       const char* name = cursor_;
-      while (*cursor_ != '\0' && !EndsAttributeName(*cursor_)) ++cursor_;
-      while (*cursor_ == '<' && !MarkupFollows(cursor_)) {
-        do {
-          ++cursor_;
-        } while (*cursor_ != '\0' && !EndsAttributeName(*cursor_));
-      }
+      while (*cursor_ != '\0' && (!EndsAttributeName(*cursor_) || AtStrayLessThan())) ++cursor_;
       if (*cursor_ == '\0' || cursor_ == name) return;
       HtmlAttribute* attribute =
           element ? element->AddAttribute(std::string_view(name, cursor_ - name)) : nullptr;
@@ -149,28 +148,22 @@ class Parser {
   // At ">", or at a "<" that opens other markup (the cursor stays on it).
   bool AtTagEnd() const { return *cursor_ == '>' || (*cursor_ == '<' && MarkupFollows(cursor_)); }
 
+  // At a "<" that opens nothing the reader knows: it is part of the name or value around it.
+  bool AtStrayLessThan() const { return *cursor_ == '<' && !MarkupFollows(cursor_); }
+
   // Quotes do not protect ">" or "<": "href='x>y'" has the value "x".
   std::string_view ReadAttributeValue() {
     char quote = (*cursor_ == '\'' || *cursor_ == '"') ? *cursor_ : '\0';
     if (quote != '\0') ++cursor_;
     char stop = quote != '\0' ? quote : ' ';
     const char* start = cursor_;
-    while (*cursor_ != '\0') {
-      if (*cursor_ == stop || *cursor_ == '>') break;
-      if (*cursor_ == '<' && MarkupFollows(cursor_)) break;
+    while (*cursor_ != '\0' && *cursor_ != stop && *cursor_ != '>' &&
+           (*cursor_ != '<' || AtStrayLessThan())) {
       ++cursor_;
     }
     std::string_view value(start, cursor_ - start);
     if (quote != '\0' && *cursor_ == quote) ++cursor_;
     return value;
-  }
-
-  static void StoreValue(HtmlAttribute& attribute, std::string_view value) {
-    try {
-      attribute.SetValue(value);
-    } catch (const std::bad_alloc&) {
-      // The value is dropped; the attribute stays without one.
-    }
   }
 
   const char* FindLessThan(const char* from) const {

@@ -1,3 +1,5 @@
+// HTML bodies as plain text: the host's engine when there is one, else the library's own reader
+// followed by the entity decoder.
 #include "html/html_to_text.h"
 
 #include <string>
