@@ -1,0 +1,20 @@
+// The cleaner of text collected from an HTML body: line breaks, character references, and
+// whatever still looks like a tag.
+#ifndef MAILSLICE_HTML_ENTITY_DECODER_H
+#define MAILSLICE_HTML_ENTITY_DECODER_H
+
+#include <mailslice/cstring.h>
+
+namespace mailslice::html {
+
+class HtmlEntityDecoder {
+ public:
+  // In order: "<br />" becomes CR LF; the references of the tables are decoded, the numeric
+  // groups first, then the named ones; every span from a "<" to the next ">" is removed (also
+  // one made of decoded "&lt;" and "&gt;"); white space is trimmed at both ends.
+  CString Decode(const CString& text) const;
+};
+
+}  // namespace mailslice::html
+
+#endif  // MAILSLICE_HTML_ENTITY_DECODER_H

@@ -1,0 +1,85 @@
+// The element list and the walk that collects the readable text of the body.
+#include "html/html_document.h"
+
+#include <algorithm>
+#include <new>
+
+#include "platform/code_page.h"
+
+namespace mailslice::html {
+namespace {
+
+// The device's own prefix tests, case-sensitive: "<BODY>" in capitals never opens the body.
+constexpr std::string_view kBodyOpenPrefix = "body";
+constexpr std::string_view kBodyClosePrefix = "/body";
+constexpr std::u16string_view kScriptCommentPrefix = u"//";
+constexpr std::u16string_view kLineBreak = u"\r\n";
+
+}  // namespace
+
+HtmlAttribute::~HtmlAttribute() {
+  while (next_) next_ = std::move(next_->next_);
+}
+
+HtmlElement::~HtmlElement() {
+  while (next_) next_ = std::move(next_->next_);
+}
+
+bool HtmlElement::SetName(std::string_view name) {
+  if (name.empty() || name.size() > kMaxNameLength) return false;
+  std::fill(std::copy(name.begin(), name.end(), name_.begin()), name_.end(), '\0');
+  return true;
+}
+
+std::string_view HtmlElement::name() const {
+  return std::string_view(name_.data(),
+                          std::find(name_.begin(), name_.end(), '\0') - name_.begin());
+}
+
+HtmlAttribute* HtmlElement::AddAttribute(std::string_view name) {
+  std::unique_ptr<HtmlAttribute> attribute;
+  try {
+    attribute = std::make_unique<HtmlAttribute>(name);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+  HtmlAttribute* added = attribute.get();
+  (last_attribute_ ? last_attribute_->next_ : first_attribute_) = std::move(attribute);
+  last_attribute_ = added;
+  return added;
+}
+
+void HtmlDocument::Append(std::unique_ptr<HtmlElement> element) {
+  if (!element) return;
+  HtmlElement* added = element.get();
+  (last_ ? last_->next_ : first_) = std::move(element);
+  last_ = added;
+  ++count_;
+}
+
+CString HtmlDocument::CollectBodyText() const {
+  std::u16string text;
+  bool inBody = false;
+  for (const HtmlElement* element = first(); element; element = element->next()) {
+    if (element->name().starts_with(kBodyOpenPrefix)) {
+      inBody = true;
+    } else if (element->name().starts_with(kBodyClosePrefix)) {
+      inBody = false;
+    }
+    if (!inBody) continue;
+    // Any attribute named TEXT... counts, so comments and a body tag's own TEXT colour are read
+    // as text too, as the device always did.
+    for (const HtmlAttribute* attribute = element->first_attribute(); attribute;
+         attribute = attribute->next()) {
+      if (!attribute->name().starts_with(kContentAttributeName)) continue;
+      // An attribute written without a value reads as empty text.
+      CString line(platform::AnsiToWide(attribute->value().value_or(std::string())));
+      line.Trim();
+      if (line.IsEmpty() || line.Str().starts_with(kScriptCommentPrefix)) continue;
+      text.append(line.Str()).append(kLineBreak);
+    }
+  }
+  return CString(std::move(text));
+}
+
+}  // namespace mailslice::html

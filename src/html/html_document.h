@@ -1,0 +1,99 @@
+// The element list that the HTML reader builds from a body: flat and in page order, with end
+// tags as elements of their own and nothing checking nesting. Runs of text and comments are
+// pseudo-elements ("TEXT_DATA", "COMMENT_DATA") that carry their content in a "TEXT" attribute.
+#ifndef MAILSLICE_HTML_HTML_DOCUMENT_H
+#define MAILSLICE_HTML_HTML_DOCUMENT_H
+
+#include <mailslice/cstring.h>
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace mailslice::html {
+
+inline constexpr std::string_view kTextElementName = "TEXT_DATA";
+inline constexpr std::string_view kCommentElementName = "COMMENT_DATA";
+inline constexpr std::string_view kContentAttributeName = "TEXT";
+
+class HtmlAttribute {
+ public:
+  explicit HtmlAttribute(std::string_view name) : name_(name) {}
+  // Tears the rest of the chain down in a loop, so a tag with a million attributes cannot
+  // exhaust the stack.
+  ~HtmlAttribute();
+  HtmlAttribute(const HtmlAttribute&) = delete;
+  HtmlAttribute& operator=(const HtmlAttribute&) = delete;
+
+  std::string_view name() const { return name_; }
+  // Nothing for an attribute written without a value.
+  const std::optional<std::string>& value() const { return value_; }
+  void SetValue(std::string_view value) { value_.emplace(value); }
+  const HtmlAttribute* next() const { return next_.get(); }
+
+ private:
+  friend class HtmlElement;
+  std::unique_ptr<HtmlAttribute> next_;
+  std::string name_;
+  std::optional<std::string> value_;
+};
+
+class HtmlElement {
+ public:
+  static constexpr size_t kMaxNameLength = 64;
+
+  HtmlElement() = default;
+  // Tears the rest of the list down in a loop (see HtmlAttribute).
+  ~HtmlElement();
+  HtmlElement(const HtmlElement&) = delete;
+  HtmlElement& operator=(const HtmlElement&) = delete;
+
+  // Takes a name of 1 to kMaxNameLength characters; any other leaves the name as it was (so
+  // an element may keep an empty name) and returns false.
+  bool SetName(std::string_view name);
+  std::string_view name() const;
+
+  // Appends an attribute and returns it; null when memory ran out (the attribute is dropped).
+  HtmlAttribute* AddAttribute(std::string_view name);
+  const HtmlAttribute* first_attribute() const { return first_attribute_.get(); }
+  const HtmlElement* next() const { return next_.get(); }
+
+ private:
+  friend class HtmlDocument;
+  std::unique_ptr<HtmlElement> next_;
+  std::unique_ptr<HtmlAttribute> first_attribute_;
+  HtmlAttribute* last_attribute_ = nullptr;
+  std::array<char, kMaxNameLength + 1> name_{};
+};
+
+class HtmlDocument {
+ public:
+  HtmlDocument() = default;
+  HtmlDocument(const HtmlDocument&) = delete;
+  HtmlDocument& operator=(const HtmlDocument&) = delete;
+
+  // Reads a NUL-terminated 8-bit HTML text into the element list. Returns 0 for a null text,
+  // else 1, also when nothing was recognised.
+  int Parse(const char* text);
+
+  // The text runs (and comments, and "TEXT" attributes) between a lower-case "body" tag and a
+  // lower-case "/body" tag, each trimmed and followed by CR LF; runs that start with "//" are
+  // left out.
+  CString CollectBodyText() const;
+
+  void Append(std::unique_ptr<HtmlElement> element);
+  uint32_t count() const { return count_; }
+  const HtmlElement* first() const { return first_.get(); }
+
+ private:
+  uint32_t count_ = 0;
+  std::unique_ptr<HtmlElement> first_;
+  HtmlElement* last_ = nullptr;
+};
+
+}  // namespace mailslice::html
+
+#endif  // MAILSLICE_HTML_HTML_DOCUMENT_H

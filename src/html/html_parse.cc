@@ -1,0 +1,186 @@
+// The HTML reader: one pass over a NUL-terminated 8-bit body with a single cursor, building
+// the element list. It is forgiving in the device's own way: unknown "<" stay in the text,
+// quotes do not protect ">", and a byte 255 at the start of an item ends the page. Every look
+// ahead stops at the terminating NUL and is bounded by what the cursor then passes over, so
+// the cost grows with the page, not faster.
+#include <cstring>
+#include <new>
+
+#include "html/html_document.h"
+#include "html/tag_table.h"
+
+namespace mailslice::html {
+namespace {
+
+// Read as a signed character, byte 255 is EOF (-1): the device's reader took it for the end of
+// the page when an item starts there.
+constexpr unsigned char kEndOfPageByte = 0xFF;
+constexpr std::string_view kCommentOpen = "!--";
+constexpr std::string_view kCommentClose = "-->";
+
+std::unique_ptr<HtmlElement> MakeElement(std::string_view name) {
+  std::unique_ptr<HtmlElement> element(new (std::nothrow) HtmlElement);
+  if (element) element->SetName(name);
+  return element;
+}
+
+// When memory runs out, the value is dropped and the attribute keeps none.
+void StoreValue(HtmlAttribute& attribute, std::string_view value) {
+  try {
+    attribute.SetValue(value);
+  } catch (const std::bad_alloc&) {
+  }
+}
+
+// A pseudo-element carrying `content` in its "TEXT" attribute. Whatever memory could not be
+// found for (the element, the attribute or its value) is left out.
+std::unique_ptr<HtmlElement> MakeContentElement(std::string_view name, std::string_view content) {
+  std::unique_ptr<HtmlElement> element = MakeElement(name);
+  HtmlAttribute* attribute = element ? element->AddAttribute(kContentAttributeName) : nullptr;
+  if (attribute) StoreValue(*attribute, content);
+  return element;
+}
+
+// True when `text` begins with `prefix`; stops at the terminating NUL.
+bool StartsWith(const char* text, std::string_view prefix) {
+  for (char ch : prefix) {
+    if (*text++ != ch) return false;
+  }
+  return true;
+}
+
+bool EndsTagName(char ch) { return ch == '\n' || ch == ' ' || ch == '>' || ch == '\0'; }
+
+bool EndsAttributeName(char ch) { return ch == ' ' || ch == '=' || ch == '<' || ch == '>'; }
+
+class Parser {
+ public:
+  // The end is found once, so that each later search knows its length and none scans the rest
+  // of the page again.
+  Parser(const char* text, HtmlDocument& document)
+      : cursor_(text), end_(text + std::strlen(text)), document_(document) {}
+
+  void Run() {
+    while (cursor_ && *cursor_ != '\0' && static_cast<unsigned char>(*cursor_) != kEndOfPageByte) {
+      cursor_ = SkipHtmlSpace(cursor_);
+      if (*cursor_ == '\0') break;
+      if (*cursor_ == '>') {
+        cursor_ = SkipHtmlSpace(cursor_ + 1);
+        continue;
+      }
+      document_.Append(*cursor_ == '<' ? ReadMarkup() : ReadTextRun());
+    }
+  }
+
+ private:
+  // At "<": a comment or a tag; a "<" the reader does not know is read as a tag here too.
+  std::unique_ptr<HtmlElement> ReadMarkup() {
+    cursor_ = SkipHtmlSpace(cursor_ + 1);
+    return Classify(cursor_) == Markup::kComment ? ReadComment() : ReadTag();
+  }
+
+  // A run of text ends at the first "<" that opens a comment or a known tag; any other "<"
+  // ("a < 3", "x<<y") stays in the run. A run that reaches the end of the page ends the parse.
+  std::unique_ptr<HtmlElement> ReadTextRun() {
+    cursor_ = SkipHtmlSpace(cursor_);
+    if (*cursor_ == '\0' || *cursor_ == '<') return nullptr;
+    const char* start = cursor_;
+    const char* end = FindLessThan(start);
+    while (end && !MarkupFollows(end)) end = FindLessThan(end + 1);
+    cursor_ = end;  // null when the run takes the rest of the page
+    return MakeContentElement(kTextElementName,
+                              std::string_view(start, (end ? end : end_) - start));
+  }
+
+  // An unterminated comment swallows the rest of the page.
+  std::unique_ptr<HtmlElement> ReadComment() {
+    if (StartsWith(cursor_, kCommentOpen)) cursor_ += kCommentOpen.size();
+    const std::string_view rest(cursor_, end_ - cursor_);
+    const size_t close = rest.find(kCommentClose);
+    if (close == std::string_view::npos) {
+      cursor_ = end_;
+      return nullptr;
+    }
+    cursor_ += close + kCommentClose.size();
+    if (close == 0) return nullptr;
+    return MakeContentElement(kCommentElementName, rest.substr(0, close));
+  }
+
+  // Tab and CR do not end a tag name: "<td\tclass=c>" is one name. A name that reaches
+  // kMaxNameLength characters is given up, and the rest of it is read as text.
+  std::unique_ptr<HtmlElement> ReadTag() {
+    cursor_ = SkipHtmlSpace(cursor_);
+    const char* start = cursor_;
+    while (!EndsTagName(*cursor_)) {
+      if (*cursor_ == '<' && MarkupFollows(cursor_)) {
+        return MakeElement(std::string_view(start, cursor_ - start));
+      }
+      ++cursor_;
+      if (static_cast<size_t>(cursor_ - start) == HtmlElement::kMaxNameLength) return nullptr;
+    }
+    std::unique_ptr<HtmlElement> element = MakeElement(std::string_view(start, cursor_ - start));
+    ReadAttributes(element.get());
+    if (*cursor_ == '>') ++cursor_;
+    return element;
+  }
+
+  // Reads attributes up to ">" or a "<" that opens other markup; with no element (memory ran
+  // out) they are read and dropped.
+  void ReadAttributes(HtmlElement* element) {
+    while (true) {
+      cursor_ = SkipHtmlSpace(cursor_);
+      if (AtTagEnd()) return;
+      const char* name = cursor_;
+      while (*cursor_ != '\0' && (!EndsAttributeName(*cursor_) || AtStrayLessThan())) ++cursor_;
+      if (*cursor_ == '\0' || cursor_ == name) return;
+      HtmlAttribute* attribute =
+          element ? element->AddAttribute(std::string_view(name, cursor_ - name)) : nullptr;
+      cursor_ = SkipHtmlSpace(cursor_);
+      if (AtTagEnd()) return;
+      // A stray "<" after a name is taken for "=", as the device did.
+      if (*cursor_ != '=' && *cursor_ != '<') continue;
+      cursor_ = SkipHtmlSpace(cursor_ + 1);
+      std::string_view value = ReadAttributeValue();
+      if (attribute && !value.empty()) StoreValue(*attribute, value);
+    }
+  }
+
+  // At ">", or at a "<" that opens other markup (the cursor stays on it).
+  bool AtTagEnd() const { return *cursor_ == '>' || (*cursor_ == '<' && MarkupFollows(cursor_)); }
+
+  // At a "<" that opens nothing the reader knows: it is part of the name or value around it.
+  bool AtStrayLessThan() const { return *cursor_ == '<' && !MarkupFollows(cursor_); }
+
+  // Quotes do not protect ">" or "<": "href='x>y'" has the value "x".
+  std::string_view ReadAttributeValue() {
+    char quote = (*cursor_ == '\'' || *cursor_ == '"') ? *cursor_ : '\0';
+    if (quote != '\0') ++cursor_;
+    char stop = quote != '\0' ? quote : ' ';
+    const char* start = cursor_;
+    while (*cursor_ != '\0' && *cursor_ != stop && *cursor_ != '>' &&
+           (*cursor_ != '<' || AtStrayLessThan())) {
+      ++cursor_;
+    }
+    std::string_view value(start, cursor_ - start);
+    if (quote != '\0' && *cursor_ == quote) ++cursor_;
+    return value;
+  }
+
+  const char* FindLessThan(const char* from) const {
+    return static_cast<const char*>(std::memchr(from, '<', end_ - from));
+  }
+
+  const char* cursor_;     // null once a text run has taken the rest of the page
+  const char* const end_;  // the terminating NUL
+  HtmlDocument& document_;
+};
+
+}  // namespace
+
+int HtmlDocument::Parse(const char* text) {
+  if (!text) return 0;
+  Parser(text, *this).Run();
+  return 1;
+}
+
+}  // namespace mailslice::html

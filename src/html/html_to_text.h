@@ -1,0 +1,20 @@
+// HTML bodies shown as plain text.
+#ifndef MAILSLICE_HTML_HTML_TO_TEXT_H
+#define MAILSLICE_HTML_HTML_TO_TEXT_H
+
+#include <mailslice/cstring.h>
+
+#include "platform/html_engine.h"
+
+namespace mailslice::html {
+
+// The readable text of an HTML body. The host's HTML engine is asked first and its text is
+// taken as it comes; when it makes no document, the library's own reader collects the text
+// runs of the body, one per line, and decodes their character references. Never fails; the
+// result may be empty.
+CString ConvertHtmlToText(const CString& html);
+CString ConvertHtmlToText(const CString& html, platform::HtmlEngine& engine);
+
+}  // namespace mailslice::html
+
+#endif  // MAILSLICE_HTML_HTML_TO_TEXT_H

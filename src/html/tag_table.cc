@@ -1,0 +1,104 @@
+// The tag table and a trie over it, so that classifying the text after a "<" costs at most the
+// length of the longest tag name whatever the page holds.
+#include "html/tag_table.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace mailslice::html {
+
+const std::array<std::string_view, kTagTableEntries + 1> kTagTable = {
+    "VAR",       "UL",       "U",         "TT",         "TR",          "TITLE",     "THEAD",
+    "TH",        "TFOOT",    "TEXTAREA",  "TD",         "TBODY",       "TABLE",     "SUP",
+    "SUB",       "STYLE",    "STRONG",    "STRIKE",     "SPAN",        "SMALL",     "SELECT",
+    "SCRIPT",    "SAMP",     "S",         "Q",          "PRE",         "PARAM",     "P",
+    "OPTION",    "OPTGROUP", "OL",        "OBJECT",     "NOSCRIPT",    "NOFRAMES",  "META",
+    "MENU",      "MAP",      "LINK",      "LI",         "LEGEND",      "LABEL",     "KBD",
+    "ISINDEX",   "INS",      "INPUT",     "IMG",        "IFRAME",      "I",         "HTML",
+    "HR",        "HEAD",     "H6",        "H5",         "H4",          "H3",        "H2",
+    "H1",        "FRAMESET", "FRAME",     "FORM",       "FONT",        "FIELDSET",  "EMBED",
+    "EM",        "DT",       "DL",        "DIV",        "DIR",         "DFN",       "DEL",
+    "DD",        "COLGROUP", "COL",       "CODE",       "CITE",        "CENTER",    "CAPTION",
+    "BUTTON",    "BR",       "BODY",      "BLOCKQUOTE", "BIG",         "BDO",       "BASEFONT",
+    "BASE",      "B",        "AREA",      "APPLET",     "ADDRESS",     "ACRONYM",   "ABBR",
+    "A",         "/VAR",     "/UL",       "/U",         "/TT",         "/TR",       "/TITLE",
+    "/THEAD",    "/TH",      "/TFOOT",    "/TEXTAREA",  "/TD",         "/TBODY",    "/TABLE",
+    "/SUP",      "/SUB",     "/STYLE",    "/STRONG",    "/STRIKE",     "/SPAN",     "/SMALL",
+    "/SELECT",   "/SCRIPT",  "/SAMP",     "/S",         "/Q",          "/PRE",      "/PARAM",
+    "/P",        "/OPTION",  "/OPTGROUP", "/OL",        "/OBJECT",     "/NOSCRIPT", "/NOFRAMES",
+    "/MENU",     "/LI",      "/LEGEND",   "/LABEL",     "/KBD",        "/ISINDEX",  "/INS",
+    "/IFRAME",   "/I",       "/HTML",     "/HEAD",      "/H6",         "/H5",       "/H4",
+    "/H3",       "/H2",      "/H1",       "/FRAMESET",  "/FRAME",      "/FORM",     "/FONT",
+    "/FIELDSET", "/EMBED",   "/EM",       "/DT",        "/DL",         "/DIV",      "/DIR",
+    "/DFN",      "/DEL",     "/DD",       "/COLGROUP",  "/COL",        "/CODE",     "/CITE",
+    "/CENTER",   "/CAPTION", "/BUTTON",   "/BODY",      "/BLOCKQUOTE", "/BIG",      "/BDO",
+    "/B",        "/APPLET",  "/ADDRESS",  "/ACRONYM",   "/ABBR",       "/A",        "!DOCTYPE",
+    "!--",       ""};
+
+namespace {
+
+// Tag names are upper-case letters, digits, "/", "!" and "-": all within '!' .. 'Z'.
+constexpr char kFirstSymbol = '!';
+constexpr char kLastSymbol = 'Z';
+constexpr size_t kSymbols = kLastSymbol - kFirstSymbol + 1;
+
+// Only a-z are folded, as the device's own comparison did; other bytes compare as they are.
+constexpr char FoldLetter(char ch) { return ch >= 'a' && ch <= 'z' ? ch - 'a' + 'A' : ch; }
+
+class TagTrie {
+ public:
+  TagTrie() : nodes_(1) {
+    for (std::string_view tag : kTagTable) {
+      if (tag.empty()) break;
+      Add(tag);
+    }
+  }
+
+  // True when a table entry is a prefix of the folded text.
+  bool HasPrefixOf(const char* text) const {
+    uint16_t node = 0;
+    for (;; ++text) {
+      char ch = FoldLetter(*text);
+      if (ch < kFirstSymbol || ch > kLastSymbol) return false;
+      node = nodes_[node].next[ch - kFirstSymbol];
+      if (node == 0) return false;
+      if (nodes_[node].complete) return true;
+    }
+  }
+
+ private:
+  struct Node {
+    std::array<uint16_t, kSymbols> next{};  // 0: no such child (the root is never a child)
+    bool complete = false;
+  };
+
+  void Add(std::string_view tag) {
+    uint16_t node = 0;
+    for (char ch : tag) {
+      size_t symbol = ch - kFirstSymbol;
+      if (nodes_[node].next[symbol] == 0) {
+        nodes_.emplace_back();  // may move the nodes: index them afresh below
+        nodes_[node].next[symbol] = static_cast<uint16_t>(nodes_.size() - 1);
+      }
+      node = nodes_[node].next[symbol];
+    }
+    nodes_[node].complete = true;
+  }
+
+  std::vector<Node> nodes_;
+};
+
+}  // namespace
+
+Markup Classify(const char* text) {
+  static const TagTrie trie;
+  if (*text == '\0') return Markup::kNone;
+  if (text[0] == '!' && text[1] == '-' && text[2] == '-') return Markup::kComment;
+  return trie.HasPrefixOf(text) ? Markup::kKnownTag : Markup::kNone;
+}
+
+bool MarkupFollows(const char* lessThan) {
+  return Classify(SkipHtmlSpace(lessThan + 1)) != Markup::kNone;
+}
+
+}  // namespace mailslice::html
