@@ -161,9 +161,9 @@ size_t CharacterBytes(std::string_view rest) {
 // The Windows code pages that mail programs name by another charset, which the messages'
 // bytes really are in.
 constexpr std::pair<std::string_view, std::string_view> kCharsetAliases[] = {
-    {"shift_jis", "CP932"}, {"x-sjis", "CP932"},         {"sjis", "CP932"},
-    {"euc-kr", "CP949"},    {"ks_c_5601-1987", "CP949"}, {"ks_c_5601", "CP949"},
-    {"iso-8859-1", "CP1252"}, {"us-ascii", "CP1252"},    {"gb2312", "GBK"},
+    {"shift_jis", "CP932"},   {"x-sjis", "CP932"},         {"sjis", "CP932"},
+    {"euc-kr", "CP949"},      {"ks_c_5601-1987", "CP949"}, {"ks_c_5601", "CP949"},
+    {"iso-8859-1", "CP1252"}, {"us-ascii", "CP1252"},      {"gb2312", "GBK"},
 };
 
 std::string LowerAscii(std::string_view text) {
