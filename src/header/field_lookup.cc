@@ -16,6 +16,13 @@ std::u16string Folded(std::u16string_view text) {
   return folded;
 }
 
+std::u16string Joined(std::u16string_view first, std::u16string_view second,
+                      std::u16string_view third = {}) {
+  std::u16string joined;
+  joined.reserve(first.size() + second.size() + third.size());
+  return joined.append(first).append(second).append(third);
+}
+
 bool IsBlank(char16_t ch) { return ch == u' ' || ch == u'\t'; }
 
 // Where the value that starts at `start` ends: at the line break that is not followed by a
@@ -71,13 +78,14 @@ CString LookupFieldInBlock(std::u16string_view headerBlock, std::u16string_view 
                            int occurrence) {
   if (headerBlock.empty()) return CString();
   // The leading line break lets a field on the first line match like any other.
-  std::u16string text = u"\r\n" + std::u16string(headerBlock);
+  std::u16string text = Joined(u"\r\n", headerBlock);
   std::u16string folded = Folded(text);
-  std::u16string pattern = u"\r\n" + Folded(name) + u":";
+  std::u16string foldedName = Folded(name);
+  std::u16string pattern = Joined(u"\r\n", foldedName, u":");
   LineEnds lineEnds = LineEnds::kCrLf;
   size_t match = folded.find(pattern);
   if (match == std::u16string::npos) {
-    pattern = u"\n" + Folded(name) + u":";
+    pattern = Joined(u"\n", foldedName, u":");
     lineEnds = LineEnds::kLf;
     match = folded.find(pattern);
   }
