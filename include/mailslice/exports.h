@@ -85,6 +85,20 @@ MAILSLICE_API void SJIStoJIS(char* dest, const char* src);  // writes no NUL of 
 MAILSLICE_API void utf72sjs(char* heapText);                // frees its argument
 MAILSLICE_API char* utf82sjs(const char* text);
 
+// The readable body. The HTML arguments: `htmlName` names the file in the temporary folder that
+// receives the HTML source of an HTML body when `html1` is non-zero (GetFileNameToSaveWithHtml
+// gives its path); `html2` and `html3` are reserved (pass 0).
+MAILSLICE_API CString GetReadingBody(const char* text, int* alternative, CString htmlName,
+                                     int html1, int html2, int html3);
+MAILSLICE_API CString GetBodyFromNoBoundary(const char* text, CString htmlName, int html1,
+                                            int html2, int html3);
+MAILSLICE_API CString GetBodyFromIsBoundary(const char* text, CString boundary, int* alternative,
+                                            CString htmlName, int html1, int html2, int html3);
+MAILSLICE_API char* GetSinglePartBody(const char* text);
+MAILSLICE_API char* GetMultiPartFirstBody(const char* partText);
+MAILSLICE_API CString GetRemainBody(CString text);
+MAILSLICE_API CString GetFileNameToSaveWithHtml(CString name);
+
 // Attachments. GetAttachFile lists the attachments of a message into the library's
 // attachment list, read back with GetAttachArrayCount and GetAttachArrayFile (an index out of
 // range gives an empty string). OnDeleteMailMessage frees records made for GetMultiPart.

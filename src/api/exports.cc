@@ -184,6 +184,36 @@ char* utf82sjs(const char* text) {
   return Guarded([&] { return JapaneseConverter().Utf8ToDevice(text); });
 }
 
+CString GetReadingBody(const char* text, int* alternative, CString htmlName, int html1, int html2,
+                       int html3) {
+  return Guarded([&] {
+    return MainParser().GetReadingBody(text, alternative, htmlName, html1, html2, html3);
+  });
+}
+CString GetBodyFromNoBoundary(const char* text, CString htmlName, int html1, int html2, int html3) {
+  return Guarded(
+      [&] { return MainParser().GetBodyFromNoBoundary(text, htmlName, html1, html2, html3); });
+}
+CString GetBodyFromIsBoundary(const char* text, CString boundary, int* alternative,
+                              CString htmlName, int html1, int html2, int html3) {
+  return Guarded([&] {
+    return MainParser().GetBodyFromIsBoundary(text, boundary, alternative, htmlName, html1, html2,
+                                              html3);
+  });
+}
+char* GetSinglePartBody(const char* text) {
+  return Guarded([&] { return MainParser().GetSinglePartBody(text); });
+}
+char* GetMultiPartFirstBody(const char* partText) {
+  return Guarded([&] { return MainParser().GetMultiPartFirstBody(partText); });
+}
+CString GetRemainBody(CString text) {
+  return Guarded([&] { return MainParser().GetRemainBody(text); });
+}
+CString GetFileNameToSaveWithHtml(CString name) {
+  return Guarded([&] { return MainParser().GetFileNameToSaveWithHtml(name); });
+}
+
 int GetAttachNumber(const char* text) {
   return Guarded([&] { return MainParser().GetAttachNumber(text); });
 }

@@ -13,6 +13,19 @@ namespace mailslice::api {
 
 class MailParser {
  public:
+  // The readable body. The HTML arguments (a file name and three integers) reach the HTML
+  // conversion: see mime/html_body.h.
+  CString GetReadingBody(const char* text, int* alternative, const CString& htmlName, int html1,
+                         int html2, int html3) const;
+  CString GetBodyFromNoBoundary(const char* text, const CString& htmlName, int html1, int html2,
+                                int html3) const;
+  CString GetBodyFromIsBoundary(const char* text, const CString& boundary, int* alternative,
+                                const CString& htmlName, int html1, int html2, int html3) const;
+  char* GetSinglePartBody(const char* text) const;
+  char* GetMultiPartFirstBody(const char* partText) const;
+  CString GetRemainBody(const CString& text) const;
+  CString GetFileNameToSaveWithHtml(const CString& name) const;
+
   // Attachments: the estimate, the listing into the attachment list, and the list itself.
   int GetAttachNumber(const char* text) const;
   int GetAttachFile(const char* text, CString& names, int* count);

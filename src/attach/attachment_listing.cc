@@ -2,9 +2,7 @@
 
 #include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <string>
-#include <vector>
 
 #include "attach/disposition.h"
 #include "attach/embedded_message_name.h"
@@ -12,6 +10,7 @@
 #include "mime/attachment_markers.h"
 #include "mime/header_parameters.h"
 #include "mime/multipart_walker.h"
+#include "mime/part_record_set.h"
 #include "platform/code_page.h"
 
 namespace mailslice::attach {
@@ -38,22 +37,6 @@ void MarkAttachment(PartRecord& record) {
   }
 }
 
-// The records a listing cuts the message into; they free their texts when destroyed.
-class RecordSet {
- public:
-  explicit RecordSet(int count) {
-    for (int i = 0; i <= count; ++i) {
-      owned_.push_back(std::make_unique<PartRecord>());
-      pointers_.push_back(owned_.back().get());
-    }
-  }
-  PartRecord** data() { return pointers_.data(); }
-
- private:
-  std::vector<std::unique_ptr<PartRecord>> owned_;
-  std::vector<PartRecord*> pointers_;
-};
-
 }  // namespace
 
 int ListAttachments(const char* text, CString& names, int* count, AttachmentList& list) {
@@ -73,7 +56,7 @@ int ListAttachments(const char* text, CString& names, int* count, AttachmentList
   }
   int pieces = 0;
   if (mime::GetMultiPartNoInAttachFile(text, boundary, &pieces) != mime::kWalkDone) return 0;
-  RecordSet records(pieces);
+  mime::PartRecordSet records(pieces);
   mime::GetMultiPart(text, boundary, records.data());
   FillAttachmentRecords(records.data(), pieces, list);
   return 1;

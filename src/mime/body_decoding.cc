@@ -1,0 +1,128 @@
+#include "mime/body_decoding.h"
+
+#include <mailslice/device.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <string>
+
+#include "codec/base64_decoder.h"
+#include "codec/charset_tables.h"
+#include "codec/japanese_converter.h"
+#include "codec/quoted_printable.h"
+#include "platform/code_page.h"
+
+namespace mailslice::mime {
+namespace {
+
+constexpr int kJapaneseLanguage = 81;
+constexpr int kCentralEuropeanLanguage = 48;
+constexpr int kArabicLanguage = 966;
+constexpr char16_t kUnmappedReplacement = u'?';
+
+struct FreeDeleter {
+  void operator()(char* block) const { std::free(block); }
+};
+using HeapText = std::unique_ptr<char, FreeDeleter>;
+
+// The device reads 8-bit text through its ANSI code page, up to the first NUL.
+CString Widened(std::string_view text) {
+  return CString(platform::AnsiToWide(text.substr(0, text.find('\0'))));
+}
+
+// A single-byte Cyrillic body mapped through its table, then narrowed to the device code page
+// and read back, as a Japanese device shows it.
+CString ThroughTable(std::string_view text, char16_t (*table)(unsigned)) {
+  std::u16string wide;
+  wide.reserve(text.size());
+  for (unsigned char byte : text) {
+    char16_t unit = table(byte);
+    wide += unit == codec::kUnmappedByte ? kUnmappedReplacement : unit;
+  }
+  return Widened(codec::NarrowForDevice(wide));
+}
+
+CString FromUtf8ThroughDevice(std::string_view text) {
+  std::string terminated(text);
+  HeapText converted(codec::JapaneseConverter().Utf8ToDevice(terminated.c_str()));
+  return converted ? Widened(converted.get()) : CString();
+}
+
+CString ForJapaneseDevice(std::string_view text, const CString& charset) {
+  codec::JapaneseConverter converter;
+  if (charset == u"euc-jp") {
+    std::string copy(text);
+    converter.EucToShiftJis(copy.data());
+    return Widened(copy);
+  }
+  if (charset == u"iso-2022-jp") {
+    std::string source(text);
+    std::string shiftJis(text.size() * 2 + 1, '\0');
+    converter.JisToShiftJis(shiftJis.data(), source.c_str());
+    return Widened(shiftJis);
+  }
+  if (charset == u"utf-8") return FromUtf8ThroughDevice(text);
+  // The UTF-7 conversion hands nothing back: the text is shown as it came.
+  if (charset == u"koi8-r") return ThroughTable(text, codec::Koi8rToUtf16);
+  if (charset == u"windows-1251") return ThroughTable(text, codec::Windows1251ToUtf16);
+  return Widened(text);
+}
+
+bool EndsWith(const CString& text, const char16_t* suffix) {
+  CString tail(suffix);
+  return text.GetLength() >= tail.GetLength() && text.Right(tail.GetLength()) == tail;
+}
+
+// Bytes read in a charset the host knows, for the languages whose device code page differs
+// from the charset their mail arrives in.
+CString ReadAs(std::string_view text, std::string_view charset) {
+  text = text.substr(0, text.find('\0'));
+  auto wide = platform::CharsetToWide(charset, text);
+  return wide ? CString(std::move(*wide)) : Widened(text);
+}
+
+}  // namespace
+
+CString ConvertBodyCharset(std::string_view text, const CString& charset) {
+  int language = CVelEdit().GetCurrentLanguageCode();
+  if (language == kJapaneseLanguage) return ForJapaneseDevice(text, charset);
+  if (charset == u"iso-8859-2") {
+    // Central European devices read ISO-8859-2 as such (their code page is windows-1250,
+    // which places several letters elsewhere); others widen the bytes as they are.
+    return language == kCentralEuropeanLanguage ? ReadAs(text, "iso-8859-2") : Widened(text);
+  }
+  if (EndsWith(charset, u"utf-8")) return FromUtf8ThroughDevice(text);
+  if (charset == u"iso-8859-6") {
+    // Arabic devices take the text widened through windows-1256 back to its bytes and read
+    // those as ISO-8859-6, giving the letters in logical order as Unicode stores them.
+    return language == kArabicLanguage ? ReadAs(text, "iso-8859-6") : Widened(text);
+  }
+  return Widened(text);
+}
+
+CString DecodeBodyText(const char* body, CString charset, CString transferEncoding,
+                       const CString& /*contentType*/) {
+  if (body == nullptr) return CString();
+  charset.MakeLower();
+  transferEncoding.MakeLower();
+  if (transferEncoding == u"quoted-printable") {
+    // Decoded as an encoded word is: under language 33 underscores become spaces.
+    HeapText decoded(codec::DecodeQuotedPrintable(body, nullptr));
+    return decoded ? ConvertBodyCharset(decoded.get(), charset) : CString();
+  }
+  if (transferEncoding == u"base64") {
+    int length = 0;
+    HeapText decoded(codec::DecodeBase64(body, &length));
+    if (!decoded) return CString();
+    // Only the bytes the decoder counts: a spoiled last group leaves uncounted bytes behind.
+    return ConvertBodyCharset(std::string_view(decoded.get(), static_cast<size_t>(length)),
+                              charset);
+  }
+  if (transferEncoding == u"8bit" || transferEncoding == u"7bit") {
+    return ConvertBodyCharset(body, charset);
+  }
+  return Widened(body);
+}
+
+}  // namespace mailslice::mime

@@ -1,0 +1,23 @@
+// The body decoding pipeline: the raw body of one chosen part to wide text, undoing its
+// transfer encoding and then converting its charset as the device's language asks.
+#ifndef MAILSLICE_MIME_BODY_DECODING_H
+#define MAILSLICE_MIME_BODY_DECODING_H
+
+#include <mailslice/cstring.h>
+
+#include <string_view>
+
+namespace mailslice::mime {
+
+// The wide text of a NUL-terminated raw body (empty for null). The charset and the transfer
+// encoding are compared in lower case; an unknown transfer encoding is widened as it stands,
+// with no charset conversion.
+CString DecodeBodyText(const char* body, CString charset, CString transferEncoding,
+                       const CString& contentType);
+
+// 8-bit text in `charset` (lower case) to wide text, by the rules of the device's language.
+CString ConvertBodyCharset(std::string_view text, const CString& charset);
+
+}  // namespace mailslice::mime
+
+#endif  // MAILSLICE_MIME_BODY_DECODING_H

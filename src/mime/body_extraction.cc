@@ -1,0 +1,314 @@
+#include "mime/body_extraction.h"
+
+#include <mailslice/device.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "mime/attachment_markers.h"
+#include "mime/body_decoding.h"
+#include "mime/header_parameters.h"
+#include "mime/multipart_walker.h"
+#include "mime/part_record_set.h"
+#include "platform/code_page.h"
+
+namespace mailslice::mime {
+namespace {
+
+constexpr int kEmbeddedMessageMessage = 1153;
+// Containers nested deeper than this are not entered: real mail nests a handful of levels,
+// and each level holds a copy of its parts.
+constexpr int kDeepestContainer = 24;
+constexpr std::string_view kDoctype = "<!DOCTYPE html>";
+// POP3 fetchers leave their "+OK Y" reply at the end of the file.
+constexpr std::string_view kServerReply = "+OK Y";
+
+struct FreeDeleter {
+  void operator()(char* block) const { std::free(block); }
+};
+using HeapText = std::unique_ptr<char, FreeDeleter>;
+
+char* HeapCopy(std::string_view text, size_t extraZeros = 1) {
+  auto* copy = static_cast<char*>(std::calloc(text.size() + extraZeros, 1));
+  if (copy != nullptr) std::memcpy(copy, text.data(), text.size());
+  return copy;
+}
+
+// The text behind the first empty line (CR LF CR LF, else LF LF), or null.
+const char* AfterEmptyLine(const char* text) {
+  if (const char* at = std::strstr(text, "\r\n\r\n")) return at + 4;
+  if (const char* at = std::strstr(text, "\n\n")) return at + 2;
+  return nullptr;
+}
+
+CString Lower(CString text) {
+  text.MakeLower();
+  return text;
+}
+
+bool NamesApplication(const CString& contentType) {
+  return contentType.Find(u"application/") >= 0 || contentType.Find(u"Application/") >= 0;
+}
+
+CString EmbeddedMessageLine() {
+  CSystemValue messages;
+  messages.LoadMessageFile(u"Email");
+  return messages.GetMessageW(kEmbeddedMessageMessage) + u"\r\n";
+}
+
+CString WidenedRecordText(const char* text) {
+  return text == nullptr ? CString() : CString(platform::AnsiToWide(text));
+}
+
+// One walk over a message's parts, carrying the alternative flag and the HTML arguments.
+class BodyWalk {
+ public:
+  BodyWalk(int* alternative, const HtmlArguments& html) : alternative_(*alternative), html_(html) {}
+
+  void FromMultipart(CString& result, const char* text, const CString& boundary);
+  CString FromSinglePart(const char* text) const;
+
+ private:
+  void ProcessPart(CString& result, const char* part, const CString& boundary);
+  void Nested(CString& result, const char* part, const CString& boundary);
+  void EmbeddedMessage(CString& result, const char* part);
+  void Join(CString& result, PartRecordSet& records, int count, const CString& boundary);
+
+  int& alternative_;
+  const HtmlArguments& html_;
+  int depth_ = 0;
+};
+
+CString BodyWalk::FromSinglePart(const char* text) const {
+  HeapText body(GetSinglePartBody(text));
+  CString contentType = GetContentType(text, 0);
+  const char* start = body.get();
+  if (start != nullptr && start[0] == '\r' && start[1] == '\n') start += 2;
+  CString decoded = DecodeBodyText(start, GetCharSet(text), GetTransEncode(text), contentType);
+  if (contentType.CompareNoCase(u"text/html") == 0) return HtmlBodyToText(decoded, html_);
+  if (NamesApplication(contentType)) return CString();
+  // A page sent without any Content-Type still opens with its doctype.
+  if (contentType.IsEmpty() && decoded.Left(static_cast<int>(kDoctype.size())) == kDoctype.data()) {
+    return HtmlBodyToText(decoded, html_);
+  }
+  return decoded;
+}
+
+void BodyWalk::FromMultipart(CString& result, const char* text, const CString& boundary) {
+  // A message cut off before its closing delimiter gets one, on a private copy.
+  std::string closing = platform::WideToAnsi((boundary + u"--").Str());
+  std::string repaired;
+  if (std::strstr(text, closing.c_str()) == nullptr) {
+    repaired = std::string(text) + "\r\n--" + closing;
+    text = repaired.c_str();
+  }
+  int count = 0;
+  GetMultiPartNoInAttachFile(text, boundary, &count);
+  PartRecordSet records(count);
+  if (GetMultiPart(text, boundary, records.data()) != kWalkDone) {
+    result.Empty();  // not multipart after all
+    return;
+  }
+  if (alternative_ != 0 && count <= 2) alternative_ = 0;
+  if (count == 0) {
+    result = WidenedRecordText(records[0].partText);
+    return;
+  }
+  Join(result, records, count, boundary);
+}
+
+// The first part's text becomes the result; each further one is added after an empty line,
+// except that of a plain and an HTML alternative the HTML one is shown (Apple Mail sends
+// the two as parts to be shown one after the other, so there both are kept).
+void BodyWalk::Join(CString& result, PartRecordSet& records, int count, const CString& boundary) {
+  bool hasPlain = false, hasHtml = false;
+  for (int i = 0; i < count; ++i) {
+    CString contentType = Lower(GetContentType(records[i].partText, 1));
+    hasPlain = hasPlain || contentType == u"text/plain";
+    hasHtml = hasHtml || contentType == u"text/html";
+  }
+  ProcessPart(result, records[0].partText, boundary);
+  bool appleMail = Lower(boundary).Find(u"apple-mail") >= 0;
+  for (int i = 1; i < count; ++i) {
+    if (records[i].kind == 'A') continue;
+    if (alternative_ != 0 && i == 1) {
+      alternative_ = 0;  // the first alternative was taken
+      continue;
+    }
+    CString part;
+    ProcessPart(part, records[i].partText, boundary);
+    if (!part.IsEmpty()) result += u"\r\n\r\n";
+    if (!(hasPlain && hasHtml)) {
+      result += part;
+    } else if (Lower(GetContentType(records[i].partText, 0)) == u"text/html") {
+      if (result.IsEmpty() || !appleMail) {
+        result = part;
+      } else {
+        result += part;
+      }
+    }
+  }
+}
+
+void BodyWalk::Nested(CString& result, const char* part, const CString& boundary) {
+  if (depth_ >= kDeepestContainer) return;
+  ++depth_;
+  FromMultipart(result, part, boundary);
+  --depth_;
+}
+
+void BodyWalk::EmbeddedMessage(CString& result, const char* part) {
+  CString boundary;
+  if (GetBoundary(part, boundary, nullptr) == 1) {
+    Nested(result, part, boundary);
+    if (!result.IsEmpty()) result = EmbeddedMessageLine() + result;
+    return;
+  }
+  const char* message = AfterEmptyLine(part);
+  if (message == nullptr) return;
+  CString contentType = GetContentType(message, 1);
+  if (contentType.Right(1) == u";") contentType = contentType.Left(contentType.GetLength() - 1);
+  if (contentType.CompareNoCase(u"multipart/alternative") == 0) alternative_ = 1;
+  result = EmbeddedMessageLine() + FromSinglePart(message);
+  if (result.Right(2) == u"--") result = result.Left(result.GetLength() - 2);
+}
+
+void BodyWalk::ProcessPart(CString& result, const char* part, const CString& boundary) {
+  if (part == nullptr) return;
+  CString contentType = Lower(GetContentType(part, 1));
+  if (contentType == u"multipart/digest" || contentType == u"multipart/related") {
+    CString nested;
+    if (GetBoundary(part, nested, nullptr) == 0) nested = boundary;
+    Nested(result, part, nested);
+    return;
+  }
+  if (contentType == u"message/rfc822") return EmbeddedMessage(result, part);
+  if (contentType == u"multipart/alternative" || contentType == u"multipart/mixed") {
+    alternative_ = 1;
+    CString nested;
+    GetBoundary(part, nested, nullptr);
+    Nested(result, part, nested);
+    return;
+  }
+  if (contentType == u"audio/wav") return;  // sound is not read out
+  if (alternative_ != 0 && contentType != u"text/plain") {
+    alternative_ = 0;
+    return;
+  }
+  if (contentType == u"image/jpeg" || contentType == u"image/gif") return;
+  CString partType = GetContentType(part, 0);
+  CString charset = GetCharSet(part);
+  CString transferEncoding = GetTransEncode(part);
+  if (IsAttachmentPart(part) == 1) return;
+  HeapText body(GetMultiPartFirstBody(part));
+  if (!body) return;
+  result = DecodeBodyText(body.get(), charset, transferEncoding, partType);
+  if (result.IsEmpty()) return;
+  result.Trim();
+  if (partType.CompareNoCase(u"text/html") == 0) {
+    result = HtmlBodyToText(result, html_);
+  } else if (NamesApplication(partType)) {
+    result.Empty();  // an application part never shows as text
+  }
+}
+
+}  // namespace
+
+CString GetReadingBody(const char* text, int* alternative, const HtmlArguments& html) {
+  int localFlag = 0;
+  int* flag = alternative != nullptr ? alternative : &localFlag;
+  CString boundary;
+  bool multipart = text != nullptr && GetBoundary(text, boundary, nullptr) == 1;
+  *flag = Lower(GetContentType(text, 1)) == u"multipart/alternative" ? 1 : 0;
+  BodyWalk walk(flag, html);
+  if (!multipart) return walk.FromSinglePart(text);
+  CString result;
+  walk.FromMultipart(result, text, boundary);
+  return result;
+}
+
+CString GetBodyFromNoBoundary(const char* text, const HtmlArguments& html) {
+  int flag = 0;
+  return BodyWalk(&flag, html).FromSinglePart(text);
+}
+
+CString GetBodyFromIsBoundary(const char* text, const CString& boundary, int* alternative,
+                              const HtmlArguments& html) {
+  if (text == nullptr) return CString();
+  int localFlag = 0;
+  CString result;
+  BodyWalk(alternative != nullptr ? alternative : &localFlag, html)
+      .FromMultipart(result, text, boundary);
+  return result;
+}
+
+char* GetSinglePartBody(const char* text) {
+  if (text == nullptr) return nullptr;
+  const char* body = AfterEmptyLine(text);
+  if (body == nullptr) return nullptr;
+  std::string_view rest(body);
+  char* copy = HeapCopy(rest);
+  if (copy == nullptr) return nullptr;
+  // The reply is cut at an index counted on the whole text, which lies behind the copy's end
+  // whenever the header is five characters or longer: the body then keeps the marker.
+  if (rest.size() >= kServerReply.size() &&
+      rest.substr(rest.size() - kServerReply.size()) == kServerReply) {
+    size_t cut = std::strlen(text) - kServerReply.size();
+    if (cut <= rest.size()) copy[cut] = '\0';
+  }
+  return copy;
+}
+
+char* GetMultiPartFirstBody(const char* partText) {
+  if (partText == nullptr) return nullptr;
+  // The search is for LF CR LF: the empty line of a part header whose lines end in CR LF.
+  const char* body = std::strstr(partText, "\n\r\n");
+  if (body != nullptr) {
+    body += 3;
+  } else if ((body = std::strstr(partText, "\n\n")) != nullptr) {
+    body += 2;
+  } else {
+    return nullptr;
+  }
+  if (*body == '\0') return nullptr;
+  const char* end = std::strrchr(body, '\n');
+  if (end == nullptr) return nullptr;
+  // Trailing empty lines and the last line end go; text behind the last LF is dropped.
+  while (end > body && end[-1] == '\r') {
+    if (end - 1 > partText && end[-2] == '\n') {
+      end -= 2;
+      continue;
+    }
+    --end;
+    break;
+  }
+  if (end - body < 1) return nullptr;
+  return HeapCopy(std::string_view(body, static_cast<size_t>(end - body)), 2);
+}
+
+CString GetRemainBody(const CString& text) {
+  constexpr int kBodyMarkerLength = 9;  // "--BODY--:"
+  int start = text.Find(u"--BODY--:");
+  if (start < 0) return CString();
+  start += kBodyMarkerLength;
+  int end = text.Find(u"--ATTACHMENT--:", start);
+  if (end < 0) end = text.GetLength();
+  end -= 2;  // the line end before the marker, or the text's last two characters
+  CString section = end > start ? text.Mid(start, end - start) : CString();
+  if (section.GetLength() > 4 && section.Left(3) == u" \r\n") section = section.Mid(3);
+  return section;
+}
+
+int IsAttachmentPart(const char* partText) {
+  if (partText == nullptr) return 0;
+  const char* separator = std::strstr(partText, "\r\n\r\n");
+  if (separator == nullptr) separator = std::strstr(partText, "\n\n");
+  if (separator == nullptr) return 0;
+  std::string header(partText, static_cast<size_t>(separator - partText));
+  return IsAttachmentHeader(header.c_str());
+}
+
+}  // namespace mailslice::mime
