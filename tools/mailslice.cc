@@ -20,6 +20,7 @@ constexpr char kUsage[] =
     "commands:\n"
     "  headers FILE   print the raw header values: From, To, Cc, Bcc, Subject, Date,\n"
     "                 Reply-To and the three delivery fields, and the Date in local time\n"
+    "  body FILE      print the readable body as the reader shows it\n"
     "  attachments FILE\n"
     "                 list the names of the attachments, one a line\n"
     "\n"
@@ -79,6 +80,22 @@ int ShowHeaders(const std::vector<std::string>& arguments) {
 
 }  // namespace
 
+int ShowBody(const std::vector<std::string>& arguments) {
+  if (arguments.size() != 1) {
+    std::fputs("usage: mailslice body FILE\n", stderr);
+    return 2;
+  }
+  const std::string& file = arguments[0];
+  std::string problem;
+  if (!mailslice::tools::LoadMessage(file, problem)) return Fail(file, problem);
+  int alternative = 0;
+  CString body = GetReadingBody(GetMessageText(), &alternative, u"", 0, 0, 0);
+  body.Replace(u"\r\n", u"\n");  // the reader's line ends, as a terminal wants them
+  std::printf("%s\n", body.ToUtf8().c_str());
+  MessageMemoryFree();
+  return 0;
+}
+
 int ListAttachments(const std::vector<std::string>& arguments) {
   if (arguments.size() != 1) {
     std::fputs("usage: mailslice attachments FILE\n", stderr);
@@ -108,6 +125,7 @@ int main(int argc, char** argv) {
   arguments.erase(arguments.begin());
   if (command == "headers") return ShowHeaders(arguments);
   if (command == "attachments") return ListAttachments(arguments);
+  if (command == "body") return ShowBody(arguments);
   std::fprintf(stderr, "mailslice: unknown command '%s' (try mailslice --help)\n", command.c_str());
   return 2;
 }
