@@ -19,29 +19,51 @@ using platform::kErrorSuccess;
 
 constexpr std::string_view kLineEnd = "\r\n";
 constexpr std::string_view kEmptyLine = "\r\n\r\n";
-// An escape is "=" and two more bytes, and its decoding may look one byte further for CR LF.
-constexpr size_t kEscapeReach = 3;
+// An escape is "=" and two more bytes.
+constexpr size_t kEscapeLength = 3;
 
 struct FreeDeleter {
   void operator()(char* buffer) const { std::free(buffer); }
 };
 
-// Where the quoted-printable chunk that starts at `at` ends. Right behind a CR LF no escape can
-// be cut, so the chunk ends behind the last CR LF that fits; a line longer than a whole chunk
-// is cut before any "=" close enough to the cut to need the bytes behind it.
+bool IsUpperHexDigit(char ch) { return (ch >= '0' && ch <= '9') || (ch >= 'A' && ch <= 'F'); }
+
+// Where the decoder's step at the escape `at` ends: behind a soft line break ("=" CR LF, or
+// "=" and one byte then CR LF) or a valid escape, else right behind the "=", which alone is
+// dropped.
+size_t EscapeEnd(std::string_view text, size_t at) {
+  bool softBreak = (text[at + 1] == '\r' && text[at + 2] == '\n') ||
+                   (text[at + 2] == '\r' && at + 3 < text.size() && text[at + 3] == '\n');
+  bool valid = IsUpperHexDigit(text[at + 1]) && IsUpperHexDigit(text[at + 2]);
+  return softBreak || valid ? at + kEscapeLength : at + 1;
+}
+
+// How much of `window` can be decoded on its own with the same result as within the whole
+// text: up to the last place where the decoder's steps meet and no escape has looked beyond.
+// An escape looks at the two bytes behind its "=", and at a third when the second is CR.
+size_t SafeChunkLength(std::string_view window) {
+  size_t safe = 0;
+  size_t looked = 0;  // one past the last byte an escape has looked at
+  for (size_t at = 0; at < window.size();) {
+    size_t equals = window.find('=', at);
+    if (equals == std::string_view::npos) return window.size();
+    if (equals >= looked) safe = equals;
+    if (window.size() - equals < kEscapeLength) break;
+    size_t reach = equals + kEscapeLength + (window[equals + 2] == '\r' ? 1 : 0);
+    if (reach > window.size()) break;
+    looked = reach;
+    at = EscapeEnd(window, equals);
+    if (at >= looked) safe = at;
+  }
+  return safe;
+}
+
+// Where the quoted-printable chunk that starts at `at` ends. A window in which no place is
+// safe (a run of stray "=" longer than a chunk) is taken whole.
 size_t QuotedPrintableChunkEnd(std::string_view text, size_t at, size_t chunkBytes) {
   if (text.size() - at <= chunkBytes) return text.size();
-  std::string_view window = text.substr(at, chunkBytes);
-  size_t lineEnd = window.rfind(kLineEnd);
-  if (lineEnd != std::string_view::npos) return at + lineEnd + kLineEnd.size();
-  size_t cut = window.size();
-  while (cut > 0) {
-    size_t from = cut > kEscapeReach ? cut - kEscapeReach : 0;
-    size_t equals = window.substr(from, cut - from).find('=');
-    if (equals == std::string_view::npos) break;
-    cut = from + equals;
-  }
-  return at + (cut > 0 ? cut : window.size());
+  size_t length = SafeChunkLength(text.substr(at, chunkBytes));
+  return at + (length > 0 ? length : chunkBytes);
 }
 
 // What the decoder reads of a chunk: it stops at a NUL, and at an escape cut off by the end of
