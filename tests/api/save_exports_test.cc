@@ -18,7 +18,19 @@ using mailslice::testing::SaveScratch;
 
 constexpr char kBoundary[] = "=_mailslice_7f3a9c";
 
-enum class Encoding { kBase64, kQuotedPrintable, kEightBit };
+struct Encoding {
+  const char* name;  // as the Content-Transfer-Encoding field gives it
+  std::string (*encode)(std::string_view);
+  bool noNul;  // sent as it is inside the NUL-ended message text
+};
+
+std::string AsItIs(std::string_view bytes) { return std::string(bytes); }
+
+const Encoding kEncodings[] = {
+    {"base64", Base64Lines, false},
+    {"quoted-printable", QuotedPrintableLines, false},
+    {"8bit", AsItIs, true},
+};
 
 struct NameForm {
   const char* parameter;  // as the sender's mail program writes it
@@ -32,37 +44,13 @@ const NameForm kNameForms[] = {
     {"filename*0*=utf-8''long%20; filename*1=name.bin", u"long name.bin"},
 };
 
-std::string EncodingName(Encoding encoding) {
-  switch (encoding) {
-    case Encoding::kBase64:
-      return "base64";
-    case Encoding::kQuotedPrintable:
-      return "quoted-printable";
-    case Encoding::kEightBit:
-      return "8bit";
-  }
-  return "";
-}
-
-std::string Encoded(Encoding encoding, const std::string& bytes) {
-  switch (encoding) {
-    case Encoding::kBase64:
-      return Base64Lines(bytes);
-    case Encoding::kQuotedPrintable:
-      return QuotedPrintableLines(bytes);
-    case Encoding::kEightBit:
-      return bytes;
-  }
-  return "";
-}
-
-std::string Part(Encoding encoding, const NameForm& name, const std::string& bytes) {
-  std::string encoded = Encoded(encoding, bytes);
-  // Base64 lines already end in CR LF; the delimiter needs a line end of its own.
-  if (encoding != Encoding::kBase64 || encoded.empty()) encoded += "\r\n";
+std::string Part(const Encoding& encoding, const NameForm& name, const std::string& bytes) {
+  std::string encoded = encoding.encode(bytes);
+  // Base64 lines end in CR LF already; the delimiter needs a line end of its own.
+  if (encoding.encode != Base64Lines || encoded.empty()) encoded += "\r\n";
   return std::string("--") + kBoundary + "\r\nContent-Type: application/octet-stream\r\n" +
          "Content-Disposition: attachment; " + name.parameter + "\r\n" +
-         "Content-Transfer-Encoding: " + EncodingName(encoding) + "\r\n\r\n" + encoded;
+         "Content-Transfer-Encoding: " + encoding.name + "\r\n\r\n" + encoded;
 }
 
 std::string Message(const std::vector<std::string>& parts) {
@@ -92,16 +80,11 @@ void ExpectRoundTrip(const std::string& message, const std::vector<std::string>&
     ASSERT_TRUE(saved.has_value());
     ASSERT_EQ(saved->size(), bodies[i].size()) << listed.ToUtf8();
     ASSERT_TRUE(*saved == bodies[i]) << listed.ToUtf8();
-    EXPECT_FALSE(scratch.Holds("temp/AttachTempfile~.txt"));
+    EXPECT_FALSE(scratch.HoldsTempFile());
   }
 }
 
-std::string TestName(const ::testing::TestParamInfo<Encoding>& info) {
-  static const char* const kNames[] = {"Base64", "QuotedPrintable", "EightBit"};
-  return kNames[static_cast<int>(info.param)];
-}
-
-class RoundTripTest : public ::testing::TestWithParam<Encoding> {};
+class RoundTripTest : public ::testing::TestWithParam<int> {};
 
 // Every size that sits at a Base64 block edge, and the tiny ones, in every name spelling.
 TEST_P(RoundTripTest, EverySizeInEveryNameSpelling) {
@@ -110,9 +93,10 @@ TEST_P(RoundTripTest, EverySizeInEveryNameSpelling) {
     std::vector<std::string> parts, bodies;
     std::vector<const NameForm*> names;
     for (const NameForm& name : kNameForms) {
-      bodies.push_back(RandomBytes(size, static_cast<unsigned>(size * 7 + parts.size()),
-                                   GetParam() == Encoding::kEightBit));
-      parts.push_back(Part(GetParam(), name, bodies.back()));
+      const Encoding& encoding = kEncodings[GetParam()];
+      bodies.push_back(
+          RandomBytes(size, static_cast<unsigned>(size * 7 + parts.size()), encoding.noNul));
+      parts.push_back(Part(encoding, name, bodies.back()));
       names.push_back(&name);
     }
     SCOPED_TRACE("size " + std::to_string(size));
@@ -121,14 +105,12 @@ TEST_P(RoundTripTest, EverySizeInEveryNameSpelling) {
 }
 
 TEST_P(RoundTripTest, SeveralMegabytes) {
-  const NameForm& name = kNameForms[static_cast<int>(GetParam())];
-  std::string body = RandomBytes(3'000'001, 99, GetParam() == Encoding::kEightBit);
-  ExpectRoundTrip(Message({Part(GetParam(), name, body)}), {body}, {&name});
+  const Encoding& encoding = kEncodings[GetParam()];
+  const NameForm& name = kNameForms[GetParam()];
+  std::string body = RandomBytes(3'000'001, 99, encoding.noNul);
+  ExpectRoundTrip(Message({Part(encoding, name, body)}), {body}, {&name});
 }
 
-INSTANTIATE_TEST_SUITE_P(Encodings, RoundTripTest,
-                         ::testing::Values(Encoding::kBase64, Encoding::kQuotedPrintable,
-                                           Encoding::kEightBit),
-                         TestName);
+INSTANTIATE_TEST_SUITE_P(Encodings, RoundTripTest, ::testing::Values(0, 1, 2));
 
 }  // namespace

@@ -31,7 +31,7 @@ std::optional<std::string> Saved(const char* message, const char16_t* name,
   std::string destination = scratch.Path("saved");
   EXPECT_EQ(SaveAttachedFile(message, altName, CString::FromUtf8(destination), u"B", name),
             expected);
-  EXPECT_FALSE(scratch.Holds("temp/AttachTempfile~.txt"));
+  EXPECT_FALSE(scratch.HoldsTempFile());
   return Contents(destination);
 }
 

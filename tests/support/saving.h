@@ -1,5 +1,5 @@
-// Helpers for the tests that save attachments: a scratch folder that is also the temporary
-// folder's home, reading files back, and the mail encodings the savers undo.
+// Helpers for the tests that save attachments: a scratch folder that also holds the temporary
+// folder, reading files back, and the mail encodings the savers undo.
 #ifndef MAILSLICE_TESTS_SUPPORT_SAVING_H
 #define MAILSLICE_TESTS_SUPPORT_SAVING_H
 
@@ -19,11 +19,10 @@ namespace mailslice::testing {
 // A scratch folder whose "temp" folder stands for the device's "\temp\" while it lives.
 class SaveScratch {
  public:
-  SaveScratch() : temp_("MAILSLICE_TEMP", (folder_.path() / "temp").string()) {}
+  SaveScratch() : temp_("MAILSLICE_TEMP", Path("temp")) {}
   std::string Path(const std::string& name) const { return (folder_.path() / name).string(); }
-  std::string TempFile() const { return Path("temp/AttachTempfile~.txt"); }
-  // True when something is at `name` in the folder.
   bool Holds(const std::string& name) const { return std::filesystem::exists(Path(name)); }
+  bool HoldsTempFile() const { return Holds("temp/AttachTempfile~.txt"); }
   const std::filesystem::path& folder() const { return folder_.path(); }
 
  private:
@@ -39,8 +38,7 @@ inline std::optional<std::string> Contents(const std::string& path) {
   return out.str();
 }
 
-// Random bytes; with `noNul`, 1 to 255 only (for bodies sent as they are inside NUL-terminated
-// message text).
+// Random bytes; with `noNul` 1 to 255 only, for bodies sent as they are in NUL-ended text.
 inline std::string RandomBytes(size_t size, unsigned seed, bool noNul = false) {
   std::mt19937 generator(seed);
   std::uniform_int_distribution<int> byte(noNul ? 1 : 0, 255);
@@ -54,21 +52,17 @@ inline std::string Base64Lines(std::string_view bytes) {
   static constexpr char kAlphabet[] =
       "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
   std::string text;
-  size_t column = 0;
-  auto put = [&](char ch) {
-    text += ch;
-    if (++column == 76) text += "\r\n", column = 0;
-  };
   for (size_t i = 0; i < bytes.size(); i += 3) {
-    unsigned value = static_cast<unsigned char>(bytes[i]) << 16;
-    if (i + 1 < bytes.size()) value |= static_cast<unsigned char>(bytes[i + 1]) << 8;
-    if (i + 2 < bytes.size()) value |= static_cast<unsigned char>(bytes[i + 2]);
-    put(kAlphabet[value >> 18 & 63]);
-    put(kAlphabet[value >> 12 & 63]);
-    put(i + 1 < bytes.size() ? kAlphabet[value >> 6 & 63] : '=');
-    put(i + 2 < bytes.size() ? kAlphabet[value & 63] : '=');
+    unsigned value = 0;
+    for (size_t k = 0; k < 3; ++k) {
+      value = value << 8 | (i + k < bytes.size() ? static_cast<unsigned char>(bytes[i + k]) : 0);
+    }
+    for (size_t k = 0; k < 4; ++k) {
+      text += k <= bytes.size() - i ? kAlphabet[value >> (18 - 6 * k) & 63] : '=';
+      if ((i / 3 * 4 + k + 1) % 76 == 0) text += "\r\n";
+    }
   }
-  if (column != 0) text += "\r\n";
+  if (!text.empty() && text.back() != '\n') text += "\r\n";
   return text;
 }
 
@@ -76,15 +70,9 @@ inline std::string Base64Lines(std::string_view bytes) {
 inline std::string QuotedPrintableLines(std::string_view bytes) {
   std::string text;
   size_t column = 0;
-  for (char ch : bytes) {
-    auto byte = static_cast<unsigned char>(ch);
-    char piece[4];
-    bool literal = byte >= 33 && byte <= 126 && byte != '=';
-    if (literal) {
-      piece[0] = ch, piece[1] = '\0';
-    } else {
-      std::snprintf(piece, sizeof piece, "=%02X", byte);
-    }
+  for (unsigned char byte : bytes) {
+    char piece[4] = {static_cast<char>(byte), '\0'};
+    if (byte < 33 || byte > 126 || byte == '=') std::snprintf(piece, sizeof piece, "=%02X", byte);
     std::string_view written(piece);
     if (column + written.size() > 75) text += "=\r\n", column = 0;
     text += written;
