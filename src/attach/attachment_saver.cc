@@ -87,10 +87,12 @@ int SaveQuotedPrintableChunks(StagedFile& staged, std::string_view encoded,
     std::unique_ptr<char, FreeDeleter> decoded(
         codec::DecodeQuotedPrintable(chunk.c_str(), &length));
     if (decoded == nullptr) return kSaveImpossible;
-    if (ErrorCode error = staged.Write(std::string_view(decoded.get(), length))) return error;
+    if (ErrorCode error = staged.Write(std::string_view(decoded.get(), length))) {
+      return static_cast<int>(error);
+    }
     at = end;
   }
-  if (ErrorCode error = staged.CopyTo(destination)) return error;
+  if (ErrorCode error = staged.CopyTo(destination)) return static_cast<int>(error);
   return kSaveSucceeded;
 }
 
@@ -109,44 +111,46 @@ ErrorCode DecodeBase64Blocks(StagedFile& staged, std::string_view encoded) {
   }
 }
 
-}  // namespace
-
-int SaveBase64File(std::string_view encoded, const std::string& destination) {
+// Runs `save` on a fresh temporary file: kSaveImpossible when there is none, or when memory
+// runs out on the way.
+template <typename Save>
+int SaveStaged(Save save) {
   try {
     StagedFile staged;
     if (!staged.created()) return kSaveImpossible;
-    ErrorCode error = DecodeBase64Blocks(staged, encoded);
-    if (error == kErrorSuccess) error = staged.CopyTo(destination);
-    return error == kErrorDiskFull ? static_cast<int>(kErrorDiskFull) : kSaveSucceeded;
+    return save(staged);
   } catch (const std::bad_alloc&) {
     return kSaveImpossible;
   }
 }
 
+}  // namespace
+
+int SaveBase64File(std::string_view encoded, const std::string& destination) {
+  return SaveStaged([&](StagedFile& staged) {
+    ErrorCode error = DecodeBase64Blocks(staged, encoded);
+    if (error == kErrorSuccess) error = staged.CopyTo(destination);
+    return error == kErrorDiskFull ? static_cast<int>(kErrorDiskFull) : kSaveSucceeded;
+  });
+}
+
 int SavePlainFile(std::string_view bytes, const std::string& destination) {
-  try {
-    StagedFile staged;
-    if (!staged.created()) return kSaveImpossible;
+  return SaveStaged([&](StagedFile& staged) -> int {
     for (size_t at = 0; at < bytes.size(); at += kPlainChunkBytes) {
-      if (ErrorCode error = staged.Write(bytes.substr(at, kPlainChunkBytes))) return error;
+      ErrorCode error = staged.Write(bytes.substr(at, kPlainChunkBytes));
+      if (error != kErrorSuccess) return static_cast<int>(error);
     }
-    if (ErrorCode error = staged.CopyTo(destination)) return error;
+    if (ErrorCode error = staged.CopyTo(destination)) return static_cast<int>(error);
     return kSaveSucceeded;
-  } catch (const std::bad_alloc&) {
-    return kSaveImpossible;
-  }
+  });
 }
 
 int SaveQuotedPrintableFile(std::string_view encoded, const std::string& destination,
                             size_t chunkBytes) {
   if (chunkBytes == 0) chunkBytes = kPlainChunkBytes;
-  try {
-    StagedFile staged;
-    if (!staged.created()) return kSaveImpossible;
+  return SaveStaged([&](StagedFile& staged) {
     return SaveQuotedPrintableChunks(staged, encoded, destination, chunkBytes);
-  } catch (const std::bad_alloc&) {
-    return kSaveImpossible;
-  }
+  });
 }
 
 int SaveAttachedEmlFile(const char* partText, const std::string& destination) {

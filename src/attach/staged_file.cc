@@ -3,26 +3,30 @@
 #include "platform/temp_folder.h"
 
 namespace mailslice::attach {
+namespace {
 
-using platform::ErrorCode;
-using platform::Files;
-
+// Empty when the temporary folder cannot be had.
 std::string TempFilePath() {
   std::optional<std::string> folder = platform::PrivateTempFolder();
   return folder ? *folder + "/" + kTempFileName : std::string();
 }
+
+}  // namespace
+
+using platform::ErrorCode;
+using platform::Files;
 
 StagedFile::StagedFile() : path_(TempFilePath()) {
   if (path_.empty()) return;
   Files().Remove(path_);
   ErrorCode error = platform::kErrorSuccess;
   file_ = Files().CreateNew(path_, &error);
-  made_ = file_ != nullptr;
 }
 
 StagedFile::~StagedFile() {
+  if (file_ == nullptr) return;
   file_.reset();
-  if (made_) Files().Remove(path_);
+  Files().Remove(path_);
 }
 
 ErrorCode StagedFile::Write(std::string_view bytes) {

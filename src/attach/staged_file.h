@@ -34,12 +34,8 @@ class StagedFile {
 
  private:
   std::string path_;
-  std::unique_ptr<platform::File> file_;
-  bool made_ = false;
+  std::unique_ptr<platform::File> file_;  // kept, closed, after CopyTo
 };
-
-// The path of the temporary file; empty when the temporary folder cannot be had.
-std::string TempFilePath();
 
 }  // namespace mailslice::attach
 
