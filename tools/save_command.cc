@@ -124,7 +124,7 @@ int SaveChosen(const std::vector<const attach::AttachmentPart*>& parts, const st
   for (const attach::AttachmentPart* part : parts) {
     std::string wanted = folder + "/" + SafeFileName(part->name);
     std::optional<std::string> path = ReserveFreePath(wanted);
-    if (!path) return Fail(wanted, "no free name can be created in the folder");
+    if (!path) return Fail(wanted, "cannot be created");
     int result = attach::SaveBodyByEncoding(part->body, part->transferEncoding, *path);
     if (result != attach::kSaveSucceeded) {
       platform::Files().Remove(*path);
