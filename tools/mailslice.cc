@@ -9,6 +9,7 @@
 
 #include "datetime/date_display.h"
 #include "message_loading.h"
+#include "save_command.h"
 
 namespace {
 
@@ -22,6 +23,9 @@ constexpr char kUsage[] =
     "                 Reply-To and the three delivery fields, and the Date in local time\n"
     "  attachments FILE\n"
     "                 list the names of the attachments, one a line\n"
+    "  save FILE [NAME...] [-o DIR]\n"
+    "                 save the named attachments (all without names) into DIR (default: the\n"
+    "                 current folder) under names that overwrite no file; print each path\n"
     "\n"
     "The device settings come from the environment (see README.md): MAILSLICE_DEVICE_TYPE,\n"
     "MAILSLICE_LANGUAGE, MAILSLICE_CODEPAGE, MAILSLICE_MESSAGES, MAILSLICE_REGISTRY,\n"
@@ -108,6 +112,7 @@ int main(int argc, char** argv) {
   arguments.erase(arguments.begin());
   if (command == "headers") return ShowHeaders(arguments);
   if (command == "attachments") return ListAttachments(arguments);
+  if (command == "save") return mailslice::tools::SaveAttachments(arguments);
   std::fprintf(stderr, "mailslice: unknown command '%s' (try mailslice --help)\n", command.c_str());
   return 2;
 }

@@ -38,22 +38,6 @@ void MarkAttachment(PartRecord& record) {
   }
 }
 
-// The records a listing cuts the message into; they free their texts when destroyed.
-class RecordSet {
- public:
-  explicit RecordSet(int count) {
-    for (int i = 0; i <= count; ++i) {
-      owned_.push_back(std::make_unique<PartRecord>());
-      pointers_.push_back(owned_.back().get());
-    }
-  }
-  PartRecord** data() { return pointers_.data(); }
-
- private:
-  std::vector<std::unique_ptr<PartRecord>> owned_;
-  std::vector<PartRecord*> pointers_;
-};
-
 }  // namespace
 
 int ListAttachments(const char* text, CString& names, int* count, AttachmentList& list) {
@@ -63,6 +47,20 @@ int ListAttachments(const char* text, CString& names, int* count, AttachmentList
   CString boundary;
   if (mime::GetBoundary(text, boundary, nullptr) == 0) return 1;
   if (count != nullptr) *count = 0;
+  std::optional<PartRecords> records = CutMessage(text, boundary);
+  if (!records) return 0;
+  FillAttachmentRecords(records->data(), records->count(), list);
+  return 1;
+}
+
+PartRecords::PartRecords(int count) : count_(count) {
+  for (int i = 0; i <= count; ++i) {
+    owned_.push_back(std::make_unique<PartRecord>());
+    pointers_.push_back(owned_.back().get());
+  }
+}
+
+std::optional<PartRecords> CutMessage(const char* text, const CString& boundary) {
   // A message cut off before its closing delimiter gets "\r\n", the boundary and "--" at its
   // end, on a copy.
   std::string closing = platform::WideToAnsi((boundary + u"--").Str());
@@ -72,11 +70,12 @@ int ListAttachments(const char* text, CString& names, int* count, AttachmentList
     text = repaired.c_str();
   }
   int pieces = 0;
-  if (mime::GetMultiPartNoInAttachFile(text, boundary, &pieces) != mime::kWalkDone) return 0;
-  RecordSet records(pieces);
-  mime::GetMultiPart(text, boundary, records.data());
-  FillAttachmentRecords(records.data(), pieces, list);
-  return 1;
+  if (mime::GetMultiPartNoInAttachFile(text, boundary, &pieces) != mime::kWalkDone) {
+    return std::nullopt;
+  }
+  std::optional<PartRecords> records(std::in_place, pieces);
+  mime::GetMultiPart(text, boundary, records->data());
+  return records;
 }
 
 int FillAttachmentRecords(PartRecord** records, int count, AttachmentList& list) {

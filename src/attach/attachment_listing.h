@@ -6,6 +6,10 @@
 #include <mailslice/cstring.h>
 #include <mailslice/part_record.h>
 
+#include <memory>
+#include <optional>
+#include <vector>
+
 #include "attach/attachment_list.h"
 
 namespace mailslice::attach {
@@ -16,6 +20,25 @@ namespace mailslice::attach {
 // are read back from the list. The caller's text is never written: a missing closing
 // delimiter is repaired on a private copy.
 int ListAttachments(const char* text, CString& names, int* count, AttachmentList& list);
+
+// The part records a message is cut into, count + 1 of them (the spare one stays fresh); they
+// free their texts when destroyed.
+class PartRecords {
+ public:
+  explicit PartRecords(int count);
+  int count() const { return count_; }
+  PartRecord** data() { return pointers_.data(); }
+
+ private:
+  int count_;
+  std::vector<std::unique_ptr<PartRecord>> owned_;
+  std::vector<PartRecord*> pointers_;
+};
+
+// Cuts the message text at `boundary` into part records exactly as a listing does: a message
+// cut off before its closing delimiter is repaired on a private copy first. Nothing when the
+// text cannot be walked.
+std::optional<PartRecords> CutMessage(const char* text, const CString& boundary);
 
 // Marks and names the attachments among records 0 .. count - 1 and rebuilds `list` from them
 // (record 0 is looked at even when count is 0). Returns the number of names listed.
