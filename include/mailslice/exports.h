@@ -85,6 +85,16 @@ MAILSLICE_API void SJIStoJIS(char* dest, const char* src);  // writes no NUL of 
 MAILSLICE_API void utf72sjs(char* heapText);                // frees its argument
 MAILSLICE_API char* utf82sjs(const char* text);
 
+// Display text from raw header values (as GetFrom, GetTo, GetSubject and GetCc give them):
+// the sender or recipient decoded (a localised "unknown" for an empty value), the bare address
+// between "<" and ">", the subject with its encoded words decoded, and the Cc addresses
+// appended to the caller's list one by one.
+MAILSLICE_API CString GetMailFrom(CString value);
+MAILSLICE_API CString GetMailTo(CString value);
+MAILSLICE_API CString GetMailFromAddress(CString value);
+MAILSLICE_API CString GetParsingSubject(CString value);
+MAILSLICE_API void GetCCList(CString value, CStringArray* list);
+
 }  // extern "C"
 
 #if defined(__clang__)

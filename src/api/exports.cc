@@ -184,4 +184,20 @@ char* utf82sjs(const char* text) {
   return Guarded([&] { return JapaneseConverter().Utf8ToDevice(text); });
 }
 
+CString GetMailFrom(CString value) {
+  return Guarded([&] { return MainParser().GetMailFrom(value); });
+}
+CString GetMailTo(CString value) {
+  return Guarded([&] { return MainParser().GetMailTo(value); });
+}
+CString GetMailFromAddress(CString value) {
+  return Guarded([&] { return MainParser().GetMailFromAddress(value); });
+}
+CString GetParsingSubject(CString value) {
+  return Guarded([&] { return MainParser().GetParsingSubject(value); });
+}
+void GetCCList(CString value, CStringArray* list) {
+  Guarded([&] { MainParser().GetCCList(value, list); });
+}
+
 }  // extern "C"

@@ -41,6 +41,13 @@ class MailParser {
   // Transfer decodings; the results are new buffers that the caller frees.
   char* Base64Decode(const char* text, int* length) const;
   char* QPdecode(const char* text) const;
+
+  // Display text from raw header values: senders and recipients, subjects, Cc addresses.
+  CString GetMailFrom(const CString& value) const;
+  CString GetMailTo(const CString& value) const;
+  CString GetMailFromAddress(const CString& value) const;
+  CString GetParsingSubject(const CString& value) const;
+  void GetCCList(const CString& value, CStringArray* list) const;
 };
 
 }  // namespace mailslice::api
