@@ -97,8 +97,10 @@ std::string UndoTransferEncoding(const EncodedWord& word) {
   return encoded;
 }
 
-// Through the JIS converter. Its output can outgrow the input by one byte (a last lone byte
-// of a two-byte run pairs with the NUL), so the buffer is twice the input and the NUL.
+// Through the JIS converter, into a buffer of twice the input and the NUL: more than the
+// converter can write (a last lone byte of a two-byte run makes a pair with the NUL, and only
+// after an escape it does not copy). Korean words, which the device gave a buffer of their
+// own length plus one, get this one too; no text changes.
 std::string JisToShiftJis(const std::string& bytes) {
   std::string out(bytes.size() * 2 + 2, '\0');
   JapaneseConverter().JisToShiftJis(out.data(), bytes.c_str());
