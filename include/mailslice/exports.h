@@ -109,6 +109,16 @@ MAILSLICE_API int SaveAttachedEmlFile(const char* partText, CString unused1, CSt
 MAILSLICE_API int SaveBase64File(const char* start, const char* end, CString destPath);
 MAILSLICE_API int SaveAttachFile(const char* start, const char* end, CString destPath);
 
+// Display text from raw header values (as GetFrom, GetTo, GetSubject and GetCc give them):
+// the sender or recipient decoded (a localised "unknown" for an empty value), the bare address
+// between "<" and ">", the subject with its encoded words decoded, and the Cc addresses
+// appended to the caller's list one by one.
+MAILSLICE_API CString GetMailFrom(CString value);
+MAILSLICE_API CString GetMailTo(CString value);
+MAILSLICE_API CString GetMailFromAddress(CString value);
+MAILSLICE_API CString GetParsingSubject(CString value);
+MAILSLICE_API void GetCCList(CString value, CStringArray* list);
+
 }  // extern "C"
 
 #if defined(__clang__)

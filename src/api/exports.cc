@@ -225,4 +225,20 @@ int SaveAttachFile(const char* start, const char* end, CString destPath) {
   return Guarded([&] { return MainParser().SaveAttachFile(start, end, destPath); });
 }
 
+CString GetMailFrom(CString value) {
+  return Guarded([&] { return MainParser().GetMailFrom(value); });
+}
+CString GetMailTo(CString value) {
+  return Guarded([&] { return MainParser().GetMailTo(value); });
+}
+CString GetMailFromAddress(CString value) {
+  return Guarded([&] { return MainParser().GetMailFromAddress(value); });
+}
+CString GetParsingSubject(CString value) {
+  return Guarded([&] { return MainParser().GetParsingSubject(value); });
+}
+void GetCCList(CString value, CStringArray* list) {
+  Guarded([&] { MainParser().GetCCList(value, list); });
+}
+
 }  // extern "C"

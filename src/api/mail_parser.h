@@ -61,6 +61,13 @@ class MailParser {
   int SaveBase64File(const char* start, const char* end, const CString& destPath) const;
   int SaveAttachFile(const char* start, const char* end, const CString& destPath) const;
 
+  // Display text from raw header values: senders and recipients, subjects, Cc addresses.
+  CString GetMailFrom(const CString& value) const;
+  CString GetMailTo(const CString& value) const;
+  CString GetMailFromAddress(const CString& value) const;
+  CString GetParsingSubject(const CString& value) const;
+  void GetCCList(const CString& value, CStringArray* list) const;
+
  private:
   attach::AttachmentList attachments_;  // the names of the latest listing
 };
