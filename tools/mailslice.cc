@@ -1,6 +1,7 @@
 // mailslice: reads a mail message file the way the library hands it to a mail application.
 #include <mailslice/mailslice.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <functional>
@@ -9,6 +10,7 @@
 
 #include "datetime/date_display.h"
 #include "message_loading.h"
+#include "save_command.h"
 
 namespace {
 
@@ -18,11 +20,18 @@ constexpr char kUsage[] =
     "Reads an Internet mail message stored in FILE (RFC 822 / MIME).\n"
     "\n"
     "commands:\n"
-    "  headers FILE   print the raw header values: From, To, Cc, Bcc, Subject, Date,\n"
-    "                 Reply-To and the three delivery fields, and the Date in local time\n"
+    "  headers [--raw] FILE\n"
+    "                 print the header values: From, To, Cc, Bcc, Subject, Date, Reply-To\n"
+    "                 and the three delivery fields, and the Date in local time. From, To\n"
+    "                 and Subject are decoded, the Cc addresses come one a line and the\n"
+    "                 sender's bare address follows From; --raw prints every value as\n"
+    "                 the message writes it\n"
     "  body FILE      print the readable body as the reader shows it\n"
     "  attachments FILE\n"
     "                 list the names of the attachments, one a line\n"
+    "  save FILE [NAME...] [-o DIR]\n"
+    "                 save the named attachments (all without names) into DIR (default: the\n"
+    "                 current folder) under names that overwrite no file; print each path\n"
     "\n"
     "The device settings come from the environment (see README.md): MAILSLICE_DEVICE_TYPE,\n"
     "MAILSLICE_LANGUAGE, MAILSLICE_CODEPAGE, MAILSLICE_MESSAGES, MAILSLICE_REGISTRY,\n"
@@ -62,16 +71,49 @@ std::string LocalDate() {
   return (GetDateMsg(0, 0, *local) + u" " + GetTimeMsg(0, 0, *local)).ToUtf8();
 }
 
-int ShowHeaders(const std::vector<std::string>& arguments) {
+void PrintLine(const char* label, const CString& value) {
+  std::printf("%s: %s\n", label, value.ToUtf8().c_str());
+}
+
+// The decoded view of a field as the mail application shows it; fields it leaves raw print
+// as they are.
+void PrintDecoded(const LabelledField& field) {
+  CString value = field.read();
+  if (field.read == GetFrom) {
+    PrintLine(field.label, GetMailFrom(value));
+    PrintLine("From address", GetMailFromAddress(value));
+  } else if (field.read == GetTo) {
+    PrintLine(field.label, GetMailTo(value));
+  } else if (field.read == GetSubject) {
+    PrintLine(field.label, GetParsingSubject(value));
+  } else if (field.read == GetCc) {
+    CStringArray addresses;
+    GetCCList(value, &addresses);
+    for (int index = 0; index < addresses.GetSize(); ++index) {
+      PrintLine(field.label, addresses.GetAt(index));
+    }
+  } else {
+    PrintLine(field.label, value);
+  }
+}
+
+int ShowHeaders(std::vector<std::string> arguments) {
+  auto rawOption = std::find(arguments.begin(), arguments.end(), "--raw");
+  bool raw = rawOption != arguments.end();
+  if (raw) arguments.erase(rawOption);
   if (arguments.size() != 1) {
-    std::fputs("usage: mailslice headers FILE\n", stderr);
+    std::fputs("usage: mailslice headers [--raw] FILE\n", stderr);
     return 2;
   }
   const std::string& file = arguments[0];
   std::string problem;
   if (!mailslice::tools::LoadMessage(file, problem)) return Fail(file, problem);
   for (const LabelledField& field : kHeaderFields) {
-    std::printf("%s: %s\n", field.label, field.read().ToUtf8().c_str());
+    if (raw) {
+      PrintLine(field.label, field.read());
+    } else {
+      PrintDecoded(field);
+    }
     if (field.read == GetDate) std::printf("Local date: %s\n", LocalDate().c_str());
   }
   MessageMemoryFree();
@@ -126,6 +168,7 @@ int main(int argc, char** argv) {
   if (command == "headers") return ShowHeaders(arguments);
   if (command == "attachments") return ListAttachments(arguments);
   if (command == "body") return ShowBody(arguments);
+  if (command == "save") return mailslice::tools::SaveAttachments(arguments);
   std::fprintf(stderr, "mailslice: unknown command '%s' (try mailslice --help)\n", command.c_str());
   return 2;
 }

@@ -110,6 +110,29 @@ MAILSLICE_API CString GetAttachArrayFile(int index);
 MAILSLICE_API void AttachArrayRemoveall();
 MAILSLICE_API void OnDeleteMailMessage(PartRecord** records, int count);
 
+// Saving attachments. Each save writes the whole body to a private temporary file first and
+// copies it to destPath only when complete. Results: 1 saved; 0 when the temporary file cannot
+// be created, memory runs out or Base64 cannot be decoded; otherwise the Windows error code of
+// the failed write or copy (112: the disk is full). IsFile replaces an existing path by the
+// first free "name(0).ext", "name(1).ext", ... and returns 1.
+MAILSLICE_API int IsFile(int unused, CString& path);
+MAILSLICE_API int SaveAttachedFile(const char* text, CString altName, CString destPath,
+                                   CString boundary, CString fileName);
+MAILSLICE_API int SaveAttachedEmlFile(const char* partText, CString unused1, CString destPath,
+                                      CString unused2);
+MAILSLICE_API int SaveBase64File(const char* start, const char* end, CString destPath);
+MAILSLICE_API int SaveAttachFile(const char* start, const char* end, CString destPath);
+
+// Display text from raw header values (as GetFrom, GetTo, GetSubject and GetCc give them):
+// the sender or recipient decoded (a localised "unknown" for an empty value), the bare address
+// between "<" and ">", the subject with its encoded words decoded, and the Cc addresses
+// appended to the caller's list one by one.
+MAILSLICE_API CString GetMailFrom(CString value);
+MAILSLICE_API CString GetMailTo(CString value);
+MAILSLICE_API CString GetMailFromAddress(CString value);
+MAILSLICE_API CString GetParsingSubject(CString value);
+MAILSLICE_API void GetCCList(CString value, CStringArray* list);
+
 }  // extern "C"
 
 #if defined(__clang__)

@@ -236,4 +236,39 @@ void OnDeleteMailMessage(PartRecord** records, int count) {
   Guarded([&] { MainParser().OnDeleteMailMessage(records, count); });
 }
 
+int IsFile(int unused, CString& path) {
+  return Guarded([&] { return MainParser().IsFile(unused, path); });
+}
+int SaveAttachedFile(const char* text, CString altName, CString destPath, CString boundary,
+                     CString fileName) {
+  return Guarded(
+      [&] { return MainParser().SaveAttachedFile(text, altName, destPath, boundary, fileName); });
+}
+int SaveAttachedEmlFile(const char* partText, CString /*unused1*/, CString destPath,
+                        CString /*unused2*/) {
+  return Guarded([&] { return MainParser().SaveAttachedEmlFile(partText, destPath); });
+}
+int SaveBase64File(const char* start, const char* end, CString destPath) {
+  return Guarded([&] { return MainParser().SaveBase64File(start, end, destPath); });
+}
+int SaveAttachFile(const char* start, const char* end, CString destPath) {
+  return Guarded([&] { return MainParser().SaveAttachFile(start, end, destPath); });
+}
+
+CString GetMailFrom(CString value) {
+  return Guarded([&] { return MainParser().GetMailFrom(value); });
+}
+CString GetMailTo(CString value) {
+  return Guarded([&] { return MainParser().GetMailTo(value); });
+}
+CString GetMailFromAddress(CString value) {
+  return Guarded([&] { return MainParser().GetMailFromAddress(value); });
+}
+CString GetParsingSubject(CString value) {
+  return Guarded([&] { return MainParser().GetParsingSubject(value); });
+}
+void GetCCList(CString value, CStringArray* list) {
+  Guarded([&] { MainParser().GetCCList(value, list); });
+}
+
 }  // extern "C"

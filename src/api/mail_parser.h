@@ -66,6 +66,21 @@ class MailParser {
   char* Base64Decode(const char* text, int* length) const;
   char* QPdecode(const char* text) const;
 
+  // Saving attachments to files through the one temporary file, and choosing a free name.
+  int IsFile(int unused, CString& path) const;
+  int SaveAttachedFile(const char* text, const CString& altName, const CString& destPath,
+                       const CString& boundary, const CString& fileName) const;
+  int SaveAttachedEmlFile(const char* partText, const CString& destPath) const;
+  int SaveBase64File(const char* start, const char* end, const CString& destPath) const;
+  int SaveAttachFile(const char* start, const char* end, const CString& destPath) const;
+
+  // Display text from raw header values: senders and recipients, subjects, Cc addresses.
+  CString GetMailFrom(const CString& value) const;
+  CString GetMailTo(const CString& value) const;
+  CString GetMailFromAddress(const CString& value) const;
+  CString GetParsingSubject(const CString& value) const;
+  void GetCCList(const CString& value, CStringArray* list) const;
+
  private:
   attach::AttachmentList attachments_;  // the names of the latest listing
 };

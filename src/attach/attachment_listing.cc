@@ -2,7 +2,9 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <string>
+#include <vector>
 
 #include "attach/disposition.h"
 #include "attach/embedded_message_name.h"
@@ -10,7 +12,6 @@
 #include "mime/attachment_markers.h"
 #include "mime/header_parameters.h"
 #include "mime/multipart_walker.h"
-#include "mime/part_record_set.h"
 #include "platform/code_page.h"
 
 namespace mailslice::attach {
@@ -46,6 +47,13 @@ int ListAttachments(const char* text, CString& names, int* count, AttachmentList
   CString boundary;
   if (mime::GetBoundary(text, boundary, nullptr) == 0) return 1;
   if (count != nullptr) *count = 0;
+  std::optional<mime::PartRecordSet> records = CutMessage(text, boundary);
+  if (!records) return 0;
+  FillAttachmentRecords(records->data(), records->count(), list);
+  return 1;
+}
+
+std::optional<mime::PartRecordSet> CutMessage(const char* text, const CString& boundary) {
   // A message cut off before its closing delimiter gets "\r\n", the boundary and "--" at its
   // end, on a copy.
   std::string closing = platform::WideToAnsi((boundary + u"--").Str());
@@ -55,11 +63,12 @@ int ListAttachments(const char* text, CString& names, int* count, AttachmentList
     text = repaired.c_str();
   }
   int pieces = 0;
-  if (mime::GetMultiPartNoInAttachFile(text, boundary, &pieces) != mime::kWalkDone) return 0;
-  mime::PartRecordSet records(pieces);
-  mime::GetMultiPart(text, boundary, records.data());
-  FillAttachmentRecords(records.data(), pieces, list);
-  return 1;
+  if (mime::GetMultiPartNoInAttachFile(text, boundary, &pieces) != mime::kWalkDone) {
+    return std::nullopt;
+  }
+  std::optional<mime::PartRecordSet> records(std::in_place, pieces);
+  mime::GetMultiPart(text, boundary, records->data());
+  return records;
 }
 
 int FillAttachmentRecords(PartRecord** records, int count, AttachmentList& list) {

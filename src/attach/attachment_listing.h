@@ -6,7 +6,10 @@
 #include <mailslice/cstring.h>
 #include <mailslice/part_record.h>
 
+#include <optional>
+
 #include "attach/attachment_list.h"
+#include "mime/part_record_set.h"
 
 namespace mailslice::attach {
 
@@ -16,6 +19,11 @@ namespace mailslice::attach {
 // are read back from the list. The caller's text is never written: a missing closing
 // delimiter is repaired on a private copy.
 int ListAttachments(const char* text, CString& names, int* count, AttachmentList& list);
+
+// Cuts the message text at `boundary` into part records exactly as a listing does: a message
+// cut off before its closing delimiter is repaired on a private copy first. Nothing when the
+// text cannot be walked.
+std::optional<mime::PartRecordSet> CutMessage(const char* text, const CString& boundary);
 
 // Marks and names the attachments among records 0 .. count - 1 and rebuilds `list` from them
 // (record 0 is looked at even when count is 0). Returns the number of names listed.

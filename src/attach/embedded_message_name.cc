@@ -5,6 +5,7 @@
 #include <cstring>
 #include <string>
 
+#include "header/address_subject.h"
 #include "header/field_lookup.h"
 
 namespace mailslice::attach {
@@ -40,7 +41,7 @@ CString EmbeddedMessageName(const char* partText) {
   if (separator == nullptr) separator = std::strstr(partText, "\r\n");
   const char* message = partText + std::strlen(partText);
   if (separator != nullptr) message = separator + std::min(kSeparatorSkip, std::strlen(separator));
-  CString subject = header::LookupField(message, u"Subject");
+  CString subject = header::ParsingSubject(header::LookupField(message, u"Subject"));
   bool fullWidth = CVelEdit().GetCurrentLanguageCode() == kJapaneseLanguage;
   CString name(FileNameFromSubject(subject.Str(), fullWidth));
   name.Trim();

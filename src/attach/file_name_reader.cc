@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "codec/encoded_word.h"
 #include "platform/code_page.h"
 
 namespace mailslice::attach {
@@ -91,6 +92,46 @@ CString NameFromBytes(std::string_view bytes, std::string_view charset = {}) {
   }
   if (IsValidUtf8(bytes)) return CString(platform::MultiByteToWide(platform::kUtf8CodePage, bytes));
   return CString(platform::AnsiToWide(bytes));
+}
+
+// The end of the encoded word that starts at `start` ("=?charset?X?text?="), just behind its
+// "?="; npos when the text ends first.
+size_t EncodedWordEnd(std::string_view value, size_t start) {
+  size_t charsetEnd = value.find('?', start + 2);
+  if (charsetEnd == std::string_view::npos || charsetEnd + 2 >= value.size() ||
+      value[charsetEnd + 2] != '?') {
+    return std::string_view::npos;
+  }
+  size_t close = value.find("?=", charsetEnd + 3);
+  return close == std::string_view::npos ? close : close + 2;
+}
+
+bool IsAllBlank(std::string_view text) {
+  return text.find_first_not_of(" \t") == std::string_view::npos;
+}
+
+// A name made of RFC 2047 encoded words (in any charset, several of them, maybe folded) and
+// plain text: each word is decoded alone, the blanks between two words are dropped as the
+// mail programs that split long names into words expect, and plain text is kept.
+CString NameFromEncodedWords(std::string_view value) {
+  CString name;
+  size_t position = 0;
+  bool afterWord = false;
+  while (position < value.size()) {
+    size_t start = value.find("=?", position);
+    size_t end = start == std::string_view::npos ? start : EncodedWordEnd(value, start);
+    if (end == std::string_view::npos) {
+      name += NameFromBytes(value.substr(position));
+      break;
+    }
+    std::string_view between = value.substr(position, start - position);
+    if (!(afterWord && IsAllBlank(between))) name += NameFromBytes(between);
+    std::string_view word = value.substr(start, end - start);
+    name += codec::DecodeEncodedWord(CString(platform::AnsiToWide(word)));
+    afterWord = true;
+    position = end;
+  }
+  return name;
 }
 
 // An RFC 2231 value: charset'language'percent-encoded text.
@@ -222,6 +263,7 @@ CString ReadFileNameParameter(const char* partText) {
     ExtendedValue extended = SplitExtended(value);
     return NameFromBytes(extended.bytes, extended.charset);
   }
+  if (value.find("=?") != std::string::npos) return NameFromEncodedWords(value);
   return NameFromBytes(value);
 }
 

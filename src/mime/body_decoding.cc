@@ -2,6 +2,8 @@
 
 #include <mailslice/device.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -112,7 +114,7 @@ CString DecodeBodyText(const char* body, CString charset, CString transferEncodi
     return decoded ? ConvertBodyCharset(decoded.get(), charset) : CString();
   }
   if (transferEncoding == u"base64") {
-    int length = 0;
+    int length = static_cast<int>(std::min<size_t>(std::strlen(body), INT32_MAX));
     HeapText decoded(codec::DecodeBase64(body, &length));
     if (!decoded) return CString();
     // Only the bytes the decoder counts: a spoiled last group leaves uncounted bytes behind.

@@ -3,6 +3,7 @@
 #include <mailslice/device.h>
 
 #include <cstdlib>
+#include <cstddef>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -285,8 +286,10 @@ char* GetMultiPartFirstBody(const char* partText) {
     --end;
     break;
   }
-  if (end - body < 1) return nullptr;
-  return HeapCopy(std::string_view(body, static_cast<size_t>(end - body)), 2);
+  // The length counts to the last kept character, so a body of one character has none.
+  std::ptrdiff_t length = end - 1 - body;
+  if (length < 1) return nullptr;
+  return HeapCopy(std::string_view(body, static_cast<size_t>(length) + 1));
 }
 
 CString GetRemainBody(const CString& text) {

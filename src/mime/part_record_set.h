@@ -12,16 +12,18 @@ namespace mailslice::mime {
 
 class PartRecordSet {
  public:
-  explicit PartRecordSet(int count) {
+  explicit PartRecordSet(int count) : count_(count) {
     for (int i = 0; i <= count; ++i) {
       owned_.push_back(std::make_unique<PartRecord>());
       pointers_.push_back(owned_.back().get());
     }
   }
+  int count() const { return count_; }  // the pieces; one more record exists
   PartRecord** data() { return pointers_.data(); }
   PartRecord& operator[](int index) { return *owned_[static_cast<size_t>(index)]; }
 
  private:
+  int count_;
   std::vector<std::unique_ptr<PartRecord>> owned_;
   std::vector<PartRecord*> pointers_;
 };

@@ -111,11 +111,13 @@ std::string Run(iconv_t descriptor, std::string_view input, OnRefusal onRefusal)
   while (true) {
     char* out = output.data() + written;
     size_t outLeft = output.size() - written;
-    size_t result = inLeft == 0 ? iconv(descriptor, nullptr, nullptr, &out, &outLeft)
-                                : iconv(descriptor, &in, &inLeft, &out, &outLeft);
+    // Once the input is used up, a stateful code page (ISO-2022-JP) writes its closing shift.
+    bool flushing = inLeft == 0;
+    size_t result = flushing ? iconv(descriptor, nullptr, nullptr, &out, &outLeft)
+                             : iconv(descriptor, &in, &inLeft, &out, &outLeft);
     written = output.size() - outLeft;
     if (result != static_cast<size_t>(-1)) {
-      if (inLeft == 0) break;
+      if (flushing) break;
       continue;
     }
     if (errno == E2BIG) {

@@ -58,6 +58,10 @@ TEST(AttachmentListingTest, EmbeddedMessagesAreNamedBySubject) {
   std::string message = Message(
       "--B\r\nContent-Type: message/rfc822\r\n\r\nSubject: Re: plan? <v2>\r\n\r\nhi\r\n" + kPdf);
   EXPECT_EQ(Listed(message), (std::vector<std::string>{"Re plan v2.eml", "report.pdf"}));
+  std::string encoded = Message(
+      "--B\r\nContent-Type: message/rfc822\r\n\r\nSubject: =?utf-8?B?5pel5pys?=\r\n\r\nx\r\n" +
+      kPdf);
+  EXPECT_EQ(Listed(encoded), (std::vector<std::string>{"日本.eml", "report.pdf"}));
   mailslice::testing::ScopedEnv japanese("MAILSLICE_LANGUAGE", "81");
   EXPECT_EQ(Listed(message), (std::vector<std::string>{"Re： plan？ ＜v2＞.eml", "report.pdf"}));
 }

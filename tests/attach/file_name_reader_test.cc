@@ -62,10 +62,31 @@ INSTANTIATE_TEST_SUITE_P(
         NameCase{"FoldedQuotedName",
                  "Content-Disposition: attachment; filename=\"long\r\n name.txt\"\r\n",
                  u"long name.txt"},
+        NameCase{
+            "EncodedWordsJoinWithoutTheBlankBetween",
+            "Content-Type: text/plain; name=\"=?utf-8?B?5pel5pys6Kqe?= =?utf-8?B?LnR4dA==?=\"\r\n",
+            u"日本語.txt"},
+        NameCase{"FoldedEncodedWords",
+                 "Content-Disposition: a; filename=\"=?UTF-8?B?5pel5pys?=\r\n "
+                 "=?UTF-8?Q?=E8=AA=9E?=\"\r\n",
+                 u"日本語"},
+        NameCase{"Latin1QuotedPrintableWord",
+                 "Content-Disposition: a; filename=\"=?iso-8859-1?Q?caf=E9?= menu.txt\"\r\n",
+                 u"café menu.txt"},
+        NameCase{"UnterminatedWordStaysText",
+                 "Content-Disposition: a; filename=\"=?utf-8?B?abc\"\r\n", u"=?utf-8?B?abc"},
         NameCase{"MetaElementIsNoFileName",
                  "Content-Disposition: inline\r\n\r\n<html><meta name=\"viewport\">", u""},
         NameCase{"NoName", "Content-Disposition: inline\r\n\r\nbody", u""}),
     [](const auto& info) { return std::string(info.param.name); });
+
+TEST(FileNameReaderTest, JapaneseWordsUnderAJapaneseDevice) {
+  ScopedEnv language("MAILSLICE_LANGUAGE", "81");
+  ScopedEnv codePage("MAILSLICE_CODEPAGE", std::nullopt);
+  EXPECT_EQ(ReadFileNameParameter("Content-Disposition: attachment;\r\n filename=\""
+                                  "=?ISO-2022-JP?B?GyRCRnxLXDhsGyhC?=.pdf\"\r\n"),
+            u"日本語.pdf");
+}
 
 TEST(ListedFileNameTest, CollapsesDoubledExtensionsAndMakesNamesSafe) {
   EXPECT_EQ(ListedFileName(u"report.pdf.pdf", u""), u"report.pdf");

@@ -57,6 +57,11 @@ TEST(CodePageTest, UnconvertibleCharactersBecomeQuestionMarksOrEndTheNarrowing) 
   EXPECT_EQ(WideToMultiByteUntilFailure(std::u16string(u"ab\0cd", 5)), "ab");
 }
 
+TEST(CodePageTest, StatefulCodePagesCloseTheirShift) {
+  EXPECT_EQ(WideToMultiByte(50220, u"日本 ok"), "\x1B$BF|K\\\x1B(B ok");
+  EXPECT_EQ(WideToMultiByte(50220, u"ok 日本"), "ok \x1B$BF|K\\\x1B(B");
+}
+
 TEST(CodePageTest, UnicodeTransferForms) {
   EXPECT_EQ(MultiByteToWide(kUtf7CodePage, "Hi +ZeVnLIqe-"), u"Hi 日本語");
   EXPECT_EQ(WideToMultiByte(kUtf8CodePage, u"日本"), "日本");

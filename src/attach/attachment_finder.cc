@@ -1,0 +1,67 @@
+#include "attach/attachment_finder.h"
+
+#include "mime/attachment_markers.h"
+#include "mime/header_parameters.h"
+
+namespace mailslice::attach {
+namespace {
+
+constexpr char kAttachment = 'A';
+constexpr std::string_view kEmptyLine = "\r\n\r\n";
+constexpr std::string_view kBareEmptyLine = "\n\n";
+
+const AttachmentPart* FindByName(const std::vector<AttachmentPart>& parts, const CString& name) {
+  if (name.IsEmpty()) return nullptr;
+  for (const AttachmentPart& part : parts) {
+    if (part.name == name) return &part;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+MessageAttachments::MessageAttachments(const char* text, const CString& fallbackBoundary) {
+  // A message without any attachment marker lists nothing, so it has nothing to find either.
+  if (text == nullptr || mime::CountAttachmentMarkers(text) <= 0) return;
+  CString boundary;
+  if (mime::GetBoundary(text, boundary, nullptr) == 0) boundary = fallbackBoundary;
+  if (boundary.IsEmpty()) return;
+  records_ = CutMessage(text, boundary);
+  if (!records_) return;
+  AttachmentList names;
+  FillAttachmentRecords(records_->data(), records_->count(), names);
+  for (int i = 0; i < records_->count(); ++i) {
+    const PartRecord& record = *records_->data()[i];
+    if (record.kind != kAttachment) continue;
+    parts_.push_back({record.fileName, record.transferEncoding, PartBody(record.partText)});
+  }
+}
+
+const AttachmentPart* MessageAttachments::Find(const CString& name, const CString& altName) const {
+  const AttachmentPart* found = FindByName(parts_, name);
+  return found != nullptr ? found : FindByName(parts_, altName);
+}
+
+std::string_view PartBody(const char* partText) {
+  if (partText == nullptr) return {};
+  std::string_view part(partText);
+  size_t start = part.find(kEmptyLine);
+  if (start != std::string_view::npos) {
+    start += kEmptyLine.size();
+  } else if ((start = part.find(kBareEmptyLine)) != std::string_view::npos) {
+    start += kBareEmptyLine.size();
+  } else {
+    return {};
+  }
+  // The line end in front of a delimiter belongs to the delimiter; in a message whose lines end
+  // in a lone LF that is the LF alone.
+  size_t end = part.size();
+  if (part.ends_with("\r\n")) {
+    end -= 2;
+  } else if (part.ends_with('\n')) {
+    end -= 1;
+  }
+  return end > start ? part.substr(start, end - start) : std::string_view();
+}
+
+}  // namespace mailslice::attach

@@ -1,0 +1,47 @@
+// Finding the attachments of a message by the names the attachment list reported, with their
+// bodies ready to be saved.
+#ifndef MAILSLICE_ATTACH_ATTACHMENT_FINDER_H
+#define MAILSLICE_ATTACH_ATTACHMENT_FINDER_H
+
+#include <mailslice/cstring.h>
+
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "attach/attachment_listing.h"
+
+namespace mailslice::attach {
+
+struct AttachmentPart {
+  CString name;              // as the attachment list shows it
+  CString transferEncoding;  // as written in the part
+  std::string_view body;     // the encoded body, without the line end before the delimiter
+};
+
+// The attachments of a message, in list order. The message is cut, marked and named by the very
+// walk that lists attachments, so each name is exactly the one the list reported, whatever
+// spelling the sender used for it (quoted, bare, RFC 2231, continued, encoded words).
+class MessageAttachments {
+ public:
+  // `fallbackBoundary` is used only when the message declares no boundary of its own.
+  MessageAttachments(const char* text, const CString& fallbackBoundary);
+
+  const std::vector<AttachmentPart>& parts() const { return parts_; }
+  // The first attachment listed as `name`, else the first listed as `altName`; null when
+  // neither is listed.
+  const AttachmentPart* Find(const CString& name, const CString& altName) const;
+
+ private:
+  std::optional<mime::PartRecordSet> records_;  // the bodies point into their texts
+  std::vector<AttachmentPart> parts_;
+};
+
+// The body of a part text: behind its header's first CR LF CR LF (else LF LF) up to its end,
+// without the line end that belongs to the next delimiter. Empty for a part without an empty
+// line: it is all header.
+std::string_view PartBody(const char* partText);
+
+}  // namespace mailslice::attach
+
+#endif  // MAILSLICE_ATTACH_ATTACHMENT_FINDER_H

@@ -1,0 +1,42 @@
+// The one temporary file through which every attachment save goes: the data is written there
+// first and reaches the destination only once all of it is written.
+#ifndef MAILSLICE_ATTACH_STAGED_FILE_H
+#define MAILSLICE_ATTACH_STAGED_FILE_H
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "platform/file_system.h"
+
+namespace mailslice::attach {
+
+// The temporary file's name in the private temporary folder (the device's "\temp\").
+inline constexpr char kTempFileName[] = "AttachTempfile~.txt";
+
+// Deletes whatever an earlier save left at the temporary path, then creates the file anew,
+// readable by its owner only and never through a link someone else planted there. The file is
+// deleted again when the object goes, whatever happened in between, so no call leaves it
+// behind. Only one save may run at a time: they all share the one path.
+class StagedFile {
+ public:
+  StagedFile();
+  ~StagedFile();
+  StagedFile(const StagedFile&) = delete;
+  StagedFile& operator=(const StagedFile&) = delete;
+
+  // False when the temporary file could not be created; nothing else may be called then.
+  bool created() const { return file_ != nullptr; }
+  platform::ErrorCode Write(std::string_view bytes);
+  // Closes the file and copies it over `destination`; the copy replaces the destination in one
+  // step, so a failed copy leaves nothing half-written under the destination name.
+  platform::ErrorCode CopyTo(const std::string& destination);
+
+ private:
+  std::string path_;
+  std::unique_ptr<platform::File> file_;  // kept, closed, after CopyTo
+};
+
+}  // namespace mailslice::attach
+
+#endif  // MAILSLICE_ATTACH_STAGED_FILE_H
