@@ -2,8 +2,8 @@
 
 #include <mailslice/device.h>
 
-#include <cstdlib>
 #include <cstddef>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <string>

@@ -73,11 +73,11 @@ TEST(BodyExtractionTest, EmbeddedMessagesAreIntroducedByMessage1153) {
 }
 
 TEST(BodyExtractionTest, RelatedHtmlWithInlineImages) {
-  std::string related = Mixed("R",
-                              Part("R", "Content-Type: text/html", kHtml) +
-                                  Part("R", "Content-Type: image/jpeg\r\nContent-ID: <i1>",
-                                       "/9j/4AAQ"),
-                              "multipart/related");
+  std::string related =
+      Mixed("R",
+            Part("R", "Content-Type: text/html", kHtml) +
+                Part("R", "Content-Type: image/jpeg\r\nContent-ID: <i1>", "/9j/4AAQ"),
+            "multipart/related");
   std::string message = Mixed("B", Part("B", "Content-Type: multipart/related; boundary=\"R\"",
                                         related.substr(related.find("--R"))));
   EXPECT_EQ(Read(message), u"Hello & welcome");
@@ -140,7 +140,8 @@ TEST(BodyExtractionTest, HostileMessagesFinish) {
   while (delimiters.size() < 2'000'000) delimiters += "--B\r\n";
   Read(delimiters);
   std::string base64 = "Content-Transfer-Encoding: base64\r\n\r\n";
-  while (base64.size() < 9'000'000) base64 += "QUJDREVGR0hJSktMTU5PUFFSU1RVVldYWVphYmNkZWZnaGlqa2xt\r\n";
+  while (base64.size() < 9'000'000)
+    base64 += "QUJDREVGR0hJSktMTU5PUFFSU1RVVldYWVphYmNkZWZnaGlqa2xt\r\n";
   EXPECT_EQ(Read(base64).Left(6), u"ABCDEF");
   Read("Content-Type: multipart/mixed; boundary=\"B\"\r\n\r\n--B\r\nContent-Type: text/pl");
 }
