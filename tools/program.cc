@@ -36,7 +36,19 @@ CLI::App& Program::AddCommand(const std::string& name, const std::string& summar
   return *command;
 }
 
+bool Program::IsCommand(const std::string& name) const {
+  for (const Command& command : commands_) {
+    if (command.app->get_name() == name) return true;
+  }
+  return false;
+}
+
 int Program::Run(int argc, char** argv) {
+  if (argc > 1 && argv[1][0] != '-' && !IsCommand(argv[1])) {
+    std::string known;
+    for (const Command& command : commands_) known += " " + command.app->get_name();
+    return Fail(argv[1], "no such command (the commands:" + known + ")", kStatusUsage);
+  }
   try {
     app_.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

@@ -29,6 +29,8 @@ class Program {
     std::function<int()> run;
   };
 
+  bool IsCommand(const std::string& name) const;
+
   CLI::App app_;
   DeviceOptions device_;
   std::vector<Command> commands_;
