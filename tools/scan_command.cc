@@ -91,8 +91,8 @@ int Scan(const ScanOptions& options) {
   }
   progress.Clear();
   std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
-  std::fprintf(stderr, "mailslice: %zu messages, %zu could not be read, %.2f s\n", files.size(),
-               failures, seconds.count());
+  std::fprintf(stderr, "mailslice: %zu message%s, %zu could not be read, %.2f s\n", files.size(),
+               files.size() == 1 ? "" : "s", failures, seconds.count());
   return failures == 0 ? kStatusDone : kStatusSomeUnread;
 }
 
