@@ -80,6 +80,10 @@ LoadProblem Diagnose(const std::string& path) {
 
 std::optional<LoadProblem> LoadMessage(const std::string& path) {
   if (auto problem = CheckPath(path)) return problem;
+  // The library takes file names as text; a name in another encoding cannot reach the file.
+  if (CString::FromUtf8(path).ToUtf8() != path) {
+    return LoadProblem{kStatusUnreadable, "cannot be opened: its name is not UTF-8"};
+  }
   if (MessageFileOpenAndMemoryAlloc(CString::FromUtf8(path)) != 1) return Diagnose(path);
   if (!LooksLikeMessage(GetMessageText())) {
     MessageMemoryFree();
