@@ -2,6 +2,7 @@
 #ifndef MAILSLICE_TOOLS_MESSAGE_WALK_H
 #define MAILSLICE_TOOLS_MESSAGE_WALK_H
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,7 +15,13 @@ namespace mailslice::tools {
 //   tmp/ holds deliveries still under way and is left alone;
 // - any other folder gives its files and the messages of its sub-folders; names that start
 //   with "." are hidden and skipped, and links to folders are not followed.
-std::vector<std::string> MessageFiles(const std::vector<std::string>& paths);
+// A folder that cannot be listed is an entry of its own, with the reason, so that scan can
+// report the messages it could not reach.
+struct WalkEntry {
+  std::string path;
+  std::optional<std::string> unlisted;  // why the folder could not be listed
+};
+std::vector<WalkEntry> MessageFiles(const std::vector<std::string>& paths);
 
 }  // namespace mailslice::tools
 

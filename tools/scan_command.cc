@@ -66,8 +66,15 @@ void PrintJsonFailure(const std::string& file, const LoadProblem& problem) {
 }
 
 // Reads one message and prints its line; false when it could not be read.
-bool ScanOne(const std::string& file, bool json) {
-  if (auto problem = LoadMessage(file)) {
+bool ScanOne(const WalkEntry& entry, bool json) {
+  const std::string& file = entry.path;
+  std::optional<LoadProblem> problem;
+  if (entry.unlisted) {
+    problem = LoadProblem{kStatusUnreadable, *entry.unlisted};
+  } else {
+    problem = LoadMessage(file);
+  }
+  if (problem) {
     json ? PrintJsonFailure(file, *problem) : PrintFailure(file, *problem);
     return false;
   }
@@ -79,13 +86,13 @@ bool ScanOne(const std::string& file, bool json) {
 
 int Scan(const ScanOptions& options) {
   auto start = std::chrono::steady_clock::now();
-  std::vector<std::string> files = MessageFiles(options.paths);
+  std::vector<WalkEntry> files = MessageFiles(options.paths);
   ProgressBar progress(files.size());
   bool sharedTerminal = isatty(STDOUT_FILENO) == 1;
   size_t failures = 0;
-  for (const std::string& file : files) {
+  for (const WalkEntry& entry : files) {
     if (sharedTerminal) progress.Clear();
-    if (!ScanOne(file, options.json)) ++failures;
+    if (!ScanOne(entry, options.json)) ++failures;
     std::fflush(stdout);
     progress.Advance();
   }
