@@ -11,9 +11,11 @@ constexpr char kDescription[] =
     "hands them to a mail application. Run 'mailslice COMMAND --help' for a command's options.";
 constexpr int kHelpColumn = 34;
 
-// Errors of the command line, in the style of the program's other error lines.
+// Errors of the command line, in the style of the program's other error lines, pointing at the
+// help of the command that was given.
 std::string UsageFailure(const CLI::App* app, const CLI::Error& error) {
-  std::string command = app->get_parent() != nullptr ? " " + app->get_name() : "";
+  std::string command;
+  for (const CLI::App* given : app->get_subcommands()) command = " " + given->get_name();
   return "mailslice: " + std::string(error.what()) + "\nRun 'mailslice" + command +
          " --help' for more information.\n";
 }
