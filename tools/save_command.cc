@@ -1,21 +1,22 @@
-#include "save_command.h"
-
+// mailslice save FILE [NAME...] [-o DIR]: saves attachments of a message into a folder.
 #include <mailslice/mailslice.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
+#include <memory>
 #include <optional>
 
 #include "attach/attachment_finder.h"
 #include "attach/attachment_saver.h"
+#include "exit_status.h"
 #include "message_loading.h"
 #include "platform/file_system.h"
+#include "program.h"
 
 namespace mailslice::tools {
 namespace {
 
-constexpr char kUsage[] = "usage: mailslice save FILE [NAME...] [-o DIR]\n";
 // Room for the "(n)" that a free name may need, within the 255 bytes a Linux name may have.
 constexpr size_t kLongestName = 200;
 constexpr size_t kLongestExtension = 16;
@@ -26,30 +27,6 @@ struct SaveRequest {
   std::vector<std::string> names;
   std::string folder = ".";
 };
-
-std::optional<SaveRequest> ParseArguments(const std::vector<std::string>& arguments) {
-  SaveRequest request;
-  bool haveFile = false;
-  for (size_t i = 0; i < arguments.size(); ++i) {
-    if (arguments[i] == "-o") {
-      if (++i == arguments.size()) return std::nullopt;
-      request.folder = arguments[i];
-    } else if (!haveFile) {
-      request.file = arguments[i];
-      haveFile = true;
-    } else {
-      request.names.push_back(arguments[i]);
-    }
-  }
-  if (!haveFile || request.folder.empty()) return std::nullopt;
-  while (request.folder.size() > 1 && request.folder.back() == '/') request.folder.pop_back();
-  return request;
-}
-
-int Fail(const std::string& file, const std::string& problem) {
-  std::fprintf(stderr, "mailslice: %s: %s\n", file.c_str(), problem.c_str());
-  return 1;
-}
 
 // Cuts an over-long name, keeping a short extension and whole UTF-8 characters.
 std::string Shortened(std::string name) {
@@ -108,7 +85,7 @@ std::optional<std::vector<const attach::AttachmentPart*>> Chosen(
   for (const std::string& name : request.names) names.push_back(CString::FromUtf8(name));
   for (const CString& name : names) {
     if (attachments.Find(name, CString()) == nullptr) {
-      Fail(request.file, "has no attachment named '" + name.ToUtf8() + "'");
+      Fail(request.file, "has no attachment named '" + name.ToUtf8() + "'", kStatusNotFound);
       return std::nullopt;
     }
   }
@@ -124,36 +101,48 @@ int SaveChosen(const std::vector<const attach::AttachmentPart*>& parts, const st
   for (const attach::AttachmentPart* part : parts) {
     std::string wanted = folder + "/" + SafeFileName(part->name);
     std::optional<std::string> path = ReserveFreePath(wanted);
-    if (!path) return Fail(wanted, "cannot be created");
+    if (!path) return Fail(wanted, "cannot be created", kStatusWriteFailed);
     int result = attach::SaveBodyByEncoding(part->body, part->transferEncoding, *path);
     if (result != attach::kSaveSucceeded) {
       platform::Files().Remove(*path);
-      return Fail(*path, Problem(result));
+      return Fail(*path, Problem(result), kStatusWriteFailed);
     }
     std::printf("%s\n", path->c_str());
   }
-  return 0;
+  return kStatusDone;
+}
+
+int SaveAttachments(SaveRequest& request) {
+  while (request.folder.size() > 1 && request.folder.back() == '/') request.folder.pop_back();
+  std::error_code error;
+  if (!std::filesystem::is_directory(request.folder, error)) {
+    return Fail(request.folder, "is not a folder", kStatusNotFound);
+  }
+  if (auto problem = LoadMessage(request.file)) return Fail(request.file, *problem);
+  LoadedMessage loaded;
+  attach::MessageAttachments attachments(GetMessageText(), CString());
+  auto chosen = Chosen(attachments, request);
+  return chosen ? SaveChosen(*chosen, request.folder) : kStatusNotFound;
 }
 
 }  // namespace
 
-int SaveAttachments(const std::vector<std::string>& arguments) {
-  std::optional<SaveRequest> request = ParseArguments(arguments);
-  if (!request) {
-    std::fputs(kUsage, stderr);
-    return 2;
-  }
-  std::error_code error;
-  if (!std::filesystem::is_directory(request->folder, error)) {
-    return Fail(request->folder, "is not a folder");
-  }
-  std::string problem;
-  if (!LoadMessage(request->file, problem)) return Fail(request->file, problem);
-  attach::MessageAttachments attachments(GetMessageText(), CString());
-  auto chosen = Chosen(attachments, *request);
-  int status = chosen ? SaveChosen(*chosen, request->folder) : 1;
-  MessageMemoryFree();
-  return status;
+void AddSaveCommand(Program& program) {
+  auto request = std::make_shared<SaveRequest>();
+  CLI::App& command = program.AddCommand(
+      "save", "save attachments to files",
+      "Saves the attachments listed under the NAMEs (every attachment without NAMEs) into DIR,\n"
+      "decoding Base64 and quoted-printable, and prints each saved path. An existing file is\n"
+      "never overwritten: the name gets the first free number, report(0).pdf, report(1).pdf...",
+      [request] { return SaveAttachments(*request); });
+  command.add_option("FILE", request->file, "the message file")->required()->type_name("");
+  command
+      .add_option("NAME", request->names, "attachment names as 'mailslice attachments' lists them")
+      ->type_name("");
+  command.add_option("-o,--output", request->folder, "the folder to save into (default: .)")
+      ->type_name("DIR")
+      ->check(CLI::Validator(
+          [](std::string& folder) { return folder.empty() ? "an empty folder name" : ""; }, ""));
 }
 
 }  // namespace mailslice::tools
