@@ -47,6 +47,22 @@ std::string ScratchFolder::Write(const std::string& name, std::string_view conte
 
 std::string Utf8(std::u16string_view text) { return CString(std::u16string(text)).ToUtf8(); }
 
+template <typename Text>
+Text RepeatedText(typename Text::const_pointer piece, size_t length, size_t times) {
+  Text text;
+  text.reserve(length * times);
+  while (times-- > 0) text.append(piece, length);
+  return text;
+}
+
+std::string Repeated(std::string_view piece, size_t times) {
+  return RepeatedText<std::string>(piece.data(), piece.size(), times);
+}
+
+std::u16string Repeated(std::u16string_view piece, size_t times) {
+  return RepeatedText<std::u16string>(piece.data(), piece.size(), times);
+}
+
 }  // namespace mailslice::testing
 
 void PrintTo(const CString& text, std::ostream* out) { *out << '"' << text.ToUtf8() << '"'; }

@@ -44,6 +44,10 @@ class ScratchFolder {
 // The bytes of a u"" literal as UTF-8, for readable expectations.
 std::string Utf8(std::u16string_view text);
 
+// `piece` written `times` times over, for the long texts of the hostile-input tests.
+std::string Repeated(std::string_view piece, size_t times);
+std::u16string Repeated(std::u16string_view piece, size_t times);
+
 }  // namespace mailslice::testing
 
 // Lets GoogleTest show a CString as UTF-8 text.
