@@ -5,13 +5,11 @@
 #include <cstdlib>
 #include <string>
 
+#include "support/test_support.h"
+
 namespace {
 
-std::string Taken(char* text) {
-  std::string result(text);
-  std::free(text);
-  return result;
-}
+using mailslice::testing::Taken;
 
 TEST(CodecExportsTest, DecodersAndEncodersHandOverTheirResults) {
   EXPECT_EQ(Taken(Base64Decode("QUJD", nullptr)), "ABC");

@@ -47,6 +47,13 @@ std::string ScratchFolder::Write(const std::string& name, std::string_view conte
 
 std::string Utf8(std::u16string_view text) { return CString(std::u16string(text)).ToUtf8(); }
 
+std::optional<std::string> Taken(char* text) {
+  if (text == nullptr) return std::nullopt;
+  std::string result(text);
+  free(text);
+  return result;
+}
+
 template <typename Text>
 Text RepeatedText(typename Text::const_pointer piece, size_t length, size_t times) {
   Text text;

@@ -44,6 +44,10 @@ class ScratchFolder {
 // The bytes of a u"" literal as UTF-8, for readable expectations.
 std::string Utf8(std::u16string_view text);
 
+// The NUL-terminated text of a malloc'd buffer the library handed over (nothing for null),
+// freed.
+std::optional<std::string> Taken(char* text);
+
 // `piece` written `times` times over, for the long texts of the hostile-input tests.
 std::string Repeated(std::string_view piece, size_t times);
 std::u16string Repeated(std::u16string_view piece, size_t times);
