@@ -1,6 +1,8 @@
+// The date display through its exports, so that each test also proves the wiring.
 #include "datetime/date_display.h"
 
 #include <gtest/gtest.h>
+#include <mailslice/exports.h>
 #include <time.h>
 
 #include <cmath>
@@ -52,7 +54,7 @@ TEST(DateDisplayTest, TimeZoneBiasIsMinutesEastWithDaylightSaving) {
       {"EST5EDT,0/0,J365/25", -240}};  // the last keeps daylight time all year
   for (auto [zone, bias] : cases) {
     Device device(zone, 1);
-    EXPECT_EQ(TimeZoneBias(), bias) << zone;
+    EXPECT_EQ(GetTimeZoneBias(), bias) << zone;
   }
 }
 
@@ -65,7 +67,7 @@ TEST(DateDisplayTest, DisplayTimeMovesUniversalTimeIntoTheDevicesZone) {
       {"JST-9", "x", "0000/00/00 00:00:00"}};
   for (auto [zone, universalTime, shown] : cases) {
     Device device(zone, 1);
-    EXPECT_EQ(DisplayTimeOf(CString(universalTime)).ToUtf8(), shown) << universalTime;
+    EXPECT_EQ(ConvertToDisplayTime(CString(universalTime)).ToUtf8(), shown) << universalTime;
   }
 }
 
@@ -76,11 +78,12 @@ TEST(DateDisplayTest, MonthsAndWeekdaysUseTheirMessageNumbers) {
     lines += std::to_string(number) + "\t#" + std::to_string(number) + "\n";
   }
   device.WriteMessages("Email", lines);
-  for (int month = 0; month <= 13; ++month) months += MonthName(month).ToUtf8() + " ";
-  for (int weekday = 0; weekday <= 8; ++weekday) weekdays += WeekdayName(weekday).ToUtf8() + " ";
+  for (int month = 0; month <= 13; ++month) months += ConvertMonthNumToString(month).ToUtf8() + " ";
+  for (int weekday = 0; weekday <= 8; ++weekday)
+    weekdays += GetDayOfWeekString(weekday).ToUtf8() + " ";
   EXPECT_EQ(months, " #154 #155 #156 #157 #158 #159 #160 #161 #162 #116 #117 #118  ");
   EXPECT_EQ(weekdays, " #131 #120 #122 #124 #126 #128 #130  ");
-  EXPECT_TRUE(WeekdayName(-2147483647 - 1).IsEmpty());
+  EXPECT_TRUE(GetDayOfWeekString(-2147483647 - 1).IsEmpty());
 }
 
 TEST(DateDisplayTest, TimeFollowsTheClockSettingAndTheLanguage) {
@@ -95,12 +98,13 @@ TEST(DateDisplayTest, TimeFollowsTheClockSettingAndTheLanguage) {
                {82, 1, 13, 5, u"오후 01:05:09"}, {81, 1, 9, 0, u"午前 09:00:09"}};
   for (const auto& c : cases) {
     Device device("UTC0", c.language, c.timeFormat);
-    EXPECT_EQ(Utf8(TimeText(OleDate(2009, 1, 5, c.hour, c.minute, 9)).Str()), Utf8(c.expected));
+    EXPECT_EQ(Utf8(GetTimeMsg(0, 0, OleDate(2009, 1, 5, c.hour, c.minute, 9)).Str()),
+              Utf8(c.expected));
   }
   Device device("UTC0", 1, 1);
-  EXPECT_EQ(WithDayHalfMarker(u"10:20", 1191).ToUtf8(), "10:20");     // not a marker
+  EXPECT_EQ(Get12hoursMsg(u"10:20", 1191).ToUtf8(), "10:20");         // not a marker
   device.WriteMessages("Email", "1024\t%s%n %d.%02d.%02d %5d %%\n");  // no way past the ints
-  EXPECT_EQ(TimeText(OleDate(2009, 1, 5, 13, 5, 9)).ToUtf8(), "%s%n 1.05.09     0 % PM");
+  EXPECT_EQ(GetTimeMsg(0, 0, OleDate(2009, 1, 5, 13, 5, 9)).ToUtf8(), "%s%n 1.05.09     0 % PM");
 }
 
 TEST(DateDisplayTest, DateFollowsTheLanguage) {
@@ -110,15 +114,15 @@ TEST(DateDisplayTest, DateFollowsTheLanguage) {
                                                   {82, u"2009년 1월 5일 (월)"}};
   for (const auto& [language, expected] : cases) {
     Device device("UTC0", language);
-    EXPECT_EQ(Utf8(DateText(OleDate(2009, 1, 5, 23, 59, 59)).Str()), Utf8(expected));
+    EXPECT_EQ(Utf8(GetDateMsg(0, 0, OleDate(2009, 1, 5, 23, 59, 59)).Str()), Utf8(expected));
   }
   Device device("UTC0", 1);
-  EXPECT_EQ(DateText(OleDate(2004, 2, 29, 0, 0, 0)).ToUtf8(), "Sun, Feb 29, 2004");
+  EXPECT_EQ(GetDateMsg(0, 0, OleDate(2004, 2, 29, 0, 0, 0)).ToUtf8(), "Sun, Feb 29, 2004");
   device.WriteMessages("Resource", "2\t%D.%m.%Y (%W) %Q %% %s%\n");
-  EXPECT_EQ(DateText(OleDate(2009, 10, 5, 0, 0, 0)).ToUtf8(), "5.10.2009 (Mon) %Q % %s%");
+  EXPECT_EQ(GetDateMsg(0, 0, OleDate(2009, 10, 5, 0, 0, 0)).ToUtf8(), "5.10.2009 (Mon) %Q % %s%");
   for (double notADate : {std::nan(""), 1e300, -700000.0}) {
-    EXPECT_TRUE(DateText(notADate).IsEmpty());
-    EXPECT_TRUE(TimeText(notADate).IsEmpty());
+    EXPECT_TRUE(GetDateMsg(0, 0, notADate).IsEmpty());
+    EXPECT_TRUE(GetTimeMsg(0, 0, notADate).IsEmpty());
   }
 }
 
