@@ -20,20 +20,4 @@ TEST(CodecExportsTest, DecodersAndEncodersHandOverTheirResults) {
   EXPECT_EQ(EncodeToCString(bytes, 4, 0), u"QUJDRA==");
 }
 
-TEST(CodecExportsTest, TheCoderKeepsItsMessagesUntilFreed) {
-  Base64CoderEncode("ABCD");
-  EXPECT_STREQ(Base64CoderEncodedMessage(), "QUJDRA==");
-  EXPECT_EQ(Base64CoderEncodedLength(), 8);
-  Base64CoderDecode("QUJD\r\n");
-  EXPECT_EQ(std::string(Base64CoderDecodedMessage(), Base64CoderDecodedLength()), "ABC");
-  Base64CoderDecodedFreeMemory();
-  EXPECT_EQ(Base64CoderDecodedMessage(), nullptr);
-  EXPECT_STREQ(Base64CoderEncodedMessage(), "QUJD");  // the other buffer is kept
-  Base64CoderEncodedFreeMemory();
-  Base64CoderEncode(nullptr);
-  Base64CoderDecode(nullptr);
-  EXPECT_EQ(Base64CoderEncodedMessage(), nullptr);
-  EXPECT_EQ(Base64CoderDecodedLength(), 0);
-}
-
 }  // namespace

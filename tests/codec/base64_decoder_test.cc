@@ -74,18 +74,15 @@ TEST(Base64DecoderTest, DecodesTheCasesMailBrings) {
   using std::string;
   const std::pair<std::pair<string, int>, Decoded> cases[] = {
       {{"QUJD", kNoLength}, {string("ABC\0", 5), kNoLength, 0}},
-      {{"QUI=", 4}, {string("AB\0\0\0", 5), 2, 0}},
       // One character of a last group gives no byte, but its bits land in the buffer.
       {{"Q", 1}, {string("@\0", 2), 0, 0}},
-      {{"QU JD", 5}, {string("ABC\0\0\0", 6), 3, 1}},
       {{"QUJDREVG", 4}, {string("ABC\0\0", 5), 3, 0}},
-      {{"QUI=\r\nQUJD", 10}, {"AB" + string(9, '\0'), 2, 0}},
+      {{"QU JD=QUJD", 10}, {"ABC" + string(8, '\0'), 3, 1}},
       // An "=" met while skipping a line break is skipped like any stray byte.
       {{"QUJD\r\n=QUJD", 11}, {"ABCABC" + string(6, '\0'), 6, 1}},
       // The closing LF is taken as the input runs out and spoils the last, uncounted group.
       {{"QUJD\r\n", 6}, {string("ABC\x08\0\0\0", 7), 3, 0}},
-      {{"", 0}, {string("\0", 1), 0, 0}},
-  };
+      {{"", 0}, {string("\0", 1), 0, 0}}};
   for (const auto& [in, want] : cases) EXPECT_EQ(Decode(in.first, in.second), want) << in.first;
 }
 

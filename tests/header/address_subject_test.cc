@@ -1,4 +1,6 @@
 // The address and subject readers, through the exports that hand them to the mail application.
+#include "header/address_subject.h"
+
 #include <gtest/gtest.h>
 #include <mailslice/exports.h>
 

@@ -62,39 +62,37 @@ TEST(ContentTypeTest, ReadsTheField) {
 }
 
 TEST(CharsetTest, EndRules) {
-  EXPECT_EQ(GetCharSet("Content-Type: text/plain; charset=\"ISO-2022-JP\"\r\n\r\nx"),
-            u"ISO-2022-JP");
-  EXPECT_EQ(GetCharSet("Content-Type: text/plain; charset=utf-8 (x)\r\n"), u"utf-8");
-  EXPECT_EQ(GetCharSet("Content-Type: text/plain; Charset=utf-8\r\n"), u"");
-  EXPECT_EQ(GetCharSet("charset='koi8-r'; format=flowed\r\n"), u"koi8-r");
-  // A ";" anywhere further on makes the CR LF the end; without one the LF is.
-  EXPECT_EQ(GetCharSet("charset=a\r\nb; c\r\n"), u"a");
-  EXPECT_EQ(GetCharSet("charset=utf-8"), u"");
-  EXPECT_EQ(GetCharSet("charset=a b"), u"a");
-  EXPECT_EQ(GetCharSet(nullptr), u"");
-  // Searched after the version line first, then from the start.
-  EXPECT_EQ(GetCharSet("charset=a\r\nMime-Version: 1.0\r\ncharset=b\r\n"), u"b");
+  const std::pair<const char*, const char16_t*> cases[] = {
+      {"Content-Type: text/plain; charset=\"ISO-2022-JP\"\r\n\r\nx", u"ISO-2022-JP"},
+      {"Content-Type: text/plain; charset=utf-8 (x)\r\n", u"utf-8"},
+      {"Content-Type: text/plain; Charset=utf-8\r\n", u""},
+      {"charset='koi8-r'; format=flowed\r\n", u"koi8-r"},
+      // A ";" anywhere further on makes the CR LF the end; without one the LF is.
+      {"charset=a\r\nb; c\r\n", u"a"},
+      {"charset=utf-8", u""},
+      {"charset=a b", u"a"},
+      {nullptr, u""},
+      // Searched after the version line first, then from the start.
+      {"charset=a\r\nMime-Version: 1.0\r\ncharset=b\r\n", u"b"}};
+  for (auto [text, charset] : cases) EXPECT_EQ(GetCharSet(text), charset) << (text ? text : "");
 }
 
 TEST(TransferEncodingTest, FieldsAndDefaults) {
-  EXPECT_EQ(GetTransEncode("Content-Transfer-Encoding: Base64\r\n"), u"Base64");
-  EXPECT_EQ(GetTransEncode("Content-transfer-encoding: quoted-printable\n"), u"quoted-printable");
-  EXPECT_EQ(GetTransEncode("Content-Transfer-Encoding: x\r\n"), u"8bit");
-  EXPECT_EQ(GetTransEncode("Subject: none\r\n\r\nbody"), u"8bit");
-  EXPECT_EQ(GetTransEncode("Content-Transfer-Encoding: base64"), u"8bit");  // no line end
-  EXPECT_EQ(GetTransEncode(nullptr), u"");
-  // An unknown word: the next field is read and taken as it is.
-  EXPECT_EQ(GetTransEncode("Content-Transfer-Encoding: uuencode\r\n"
-                           "Content-Transfer-Encoding: base64\r\n"),
-            u"base64");
-  EXPECT_EQ(GetTransEncode("Content-Transfer-Encoding: uuencode\r\n"
-                           "Content-Transfer-Encoding: binary\r\n"),
-            u"binary");
-  // A field right behind an empty "Content-Type:" before the version line: the search would go
-  // round for ever; the default answers.
-  EXPECT_EQ(GetTransEncode("Content-Type:Content-Transfer-Encoding: base64\r\n"
-                           "MIME-Version: 1.0\r\n"),
-            u"8bit");
+  const std::pair<const char*, const char16_t*> cases[] = {
+      {"Content-Transfer-Encoding: Base64\r\n", u"Base64"},
+      {"Content-transfer-encoding: quoted-printable\n", u"quoted-printable"},
+      {"Content-Transfer-Encoding: x\r\n", u"8bit"},
+      {"Subject: none\r\n\r\nbody", u"8bit"},
+      {"Content-Transfer-Encoding: base64", u"8bit"},  // no line end
+      {nullptr, u""},
+      // An unknown word: the next field is read and taken as it is.
+      {"Content-Transfer-Encoding: uuencode\r\nContent-Transfer-Encoding: binary\r\n", u"binary"},
+      // A field right behind an empty "Content-Type:" before the version line: the search
+      // would go round for ever; the default answers.
+      {"Content-Type:Content-Transfer-Encoding: base64\r\nMIME-Version: 1.0\r\n", u"8bit"}};
+  for (auto [text, encoding] : cases) {
+    EXPECT_EQ(GetTransEncode(text), encoding) << (text ? text : "");
+  }
   EXPECT_EQ(IsKnownTransferEncoding(u"QUOTED-Printable"), 1);
   EXPECT_EQ(IsKnownTransferEncoding(u"binary"), 0);
 }

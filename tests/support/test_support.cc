@@ -64,20 +64,16 @@ std::optional<std::string> Taken(char* text) {
   return result;
 }
 
-template <typename Text>
-Text RepeatedText(typename Text::const_pointer piece, size_t length, size_t times) {
-  Text text;
-  text.reserve(length * times);
-  while (times-- > 0) text.append(piece, length);
+std::string Repeated(std::string_view piece, size_t times) {
+  std::string text;
+  for (text.reserve(piece.size() * times); times > 0; --times) text += piece;
   return text;
 }
 
-std::string Repeated(std::string_view piece, size_t times) {
-  return RepeatedText<std::string>(piece.data(), piece.size(), times);
-}
-
 std::u16string Repeated(std::u16string_view piece, size_t times) {
-  return RepeatedText<std::u16string>(piece.data(), piece.size(), times);
+  std::u16string text;
+  for (text.reserve(piece.size() * times); times > 0; --times) text += piece;
+  return text;
 }
 
 std::string Base64(std::string_view bytes) {
