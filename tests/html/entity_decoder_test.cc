@@ -53,6 +53,7 @@ TEST(EntityDecoderTest, KeepsTheDevicesOwnValuesOrderLineBreaksAndTrim) {
       {u"x&#38;lt;", u"x<"},
       {u"&amp;lt; &amp;amp;", u"&lt; &amp;"},
       {u"&#38;#346; &#38;#34; &#38;#60;", u"\u008C &#34; <"},
+      {u"&#38;#376; &amp;apos;", u"\u009F '"},  // the rows right after the ampersand's
       {u"a&b&lt;", u"a&b<"},
       // Line breaks, tag spans removed, the text trimmed.
       {u"a<br />b<br/>c<BR />d", u"a\r\nbcd"},
