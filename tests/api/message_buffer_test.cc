@@ -31,18 +31,14 @@ class MessageBufferTest : public ::testing::Test {
 };
 
 TEST_F(MessageBufferTest, DeviceTypeGroupsLimitTheSizeInclusively) {
-  struct Limit {
-    const char* deviceType;
-    uintmax_t largest;
-  };
-  for (Limit limit : {Limit{"3", 4'500'000}, Limit{"4", 6'500'000}, Limit{"7", 6'500'000},
-                      Limit{"8", 9'900'000}, Limit{"11", 9'900'000}}) {
-    SCOPED_TRACE(limit.deviceType);
-    ScopedEnv type("MAILSLICE_DEVICE_TYPE", limit.deviceType);
+  const std::pair<const char*, uintmax_t> limits[] = {
+      {"3", 4'500'000}, {"4", 6'500'000}, {"7", 6'500'000}, {"8", 9'900'000}, {"11", 9'900'000}};
+  for (auto [deviceType, largest] : limits) {
+    ScopedEnv type("MAILSLICE_DEVICE_TYPE", deviceType);
     ASSERT_EQ(Load(first_), 1);
-    EXPECT_EQ(Load(SparseFile(limit.largest + 1)), 0);
+    EXPECT_EQ(Load(SparseFile(largest + 1)), 0) << deviceType;
     EXPECT_EQ(GetSubject(), u"first");  // refused before the previous message was given up
-    EXPECT_EQ(Load(SparseFile(limit.largest)), 1);
+    EXPECT_EQ(Load(SparseFile(largest)), 1) << deviceType;
     EXPECT_EQ(GetMessageText()[0], '\0');
   }
   for (const char* unlimited : {"0", "1", "2", "12"}) {
@@ -51,78 +47,52 @@ TEST_F(MessageBufferTest, DeviceTypeGroupsLimitTheSizeInclusively) {
   }
 }
 
-TEST_F(MessageBufferTest, EmptyOrMissingFileKeepsThePreviousMessage) {
+TEST_F(MessageBufferTest, AFailedLoadKeepsThePreviousMessageAndALoadReplacesIt) {
   ASSERT_EQ(Load(first_), 1);
   EXPECT_EQ(Load(folder_.Write("empty.eml", "")), 0);
   EXPECT_EQ(Load((folder_.path() / "missing.eml").string()), 0);
   EXPECT_EQ(Load(folder_.path().string()), 0);  // a folder is no message
   EXPECT_EQ(GetSubject(), u"first");
-}
-
-TEST_F(MessageBufferTest, SecondLoadReplacesTheFirstAndFreeingTwiceIsHarmless) {
-  ASSERT_EQ(Load(first_), 1);
-  ASSERT_EQ(Load(folder_.Write("second.eml", "Subject: second\n\nbody\n")), 1);
+  // Paths are UTF-8 host paths.
+  ASSERT_EQ(Load(folder_.Write("письмо 日本.eml", "Subject: second\n\nbody\n")), 1);
   EXPECT_EQ(GetSubject(), u"second");
   EXPECT_STREQ(GetMessageText(), "Subject: second\n\nbody\n");
   MessageMemoryFree();
-  MessageMemoryFree();
+  MessageMemoryFree();  // twice is harmless
   EXPECT_EQ(GetMessageText(), nullptr);
   EXPECT_EQ(GetSubject(), u"");
 }
 
 TEST_F(MessageBufferTest, NulByteEndsTheTextForEveryReader) {
-  std::string message("Subject: a\r\n\r\nbody\0To: hidden\r\n\r\n", 33);
-  ASSERT_EQ(Load(folder_.Write("nul.eml", message)), 1);
+  ASSERT_EQ(
+      Load(folder_.Write("nul.eml", std::string("Subject: a\r\n\r\nbody\0To: x\r\n\r\n", 30))), 1);
   EXPECT_EQ(std::strlen(GetMessageText()), 18u);
   EXPECT_EQ(GetTo(), u"");
 }
 
-TEST_F(MessageBufferTest, PathsAreUtf8HostPaths) {
-  ASSERT_EQ(Load(folder_.Write("письмо 日本.eml", "Subject: unicode path\n\nx\n")), 1);
-  EXPECT_EQ(GetSubject(), u"unicode path");
-}
-
-}  // namespace
-
-namespace {
-
-class HeaderExportsTest : public ::testing::Test {
- protected:
-  ~HeaderExportsTest() override { MessageMemoryFree(); }
-  void Load(const std::string& message) {
-    ASSERT_EQ(MessageFileOpenAndMemoryAlloc(CString::FromUtf8(folder_.Write("m.eml", message))), 1);
+// Each export reads its own field; GetBody gives the Bcc value, not the body, and Reply-To
+// falls back to From, Sender and Return-Path in turn.
+TEST_F(MessageBufferTest, EachHeaderExportReadsItsField) {
+  ASSERT_EQ(Load(folder_.Write("m.eml",
+                               "Delivered-To: d1\r\nX-Apparently-To: d2\r\nEnvelope-to: d3\r\n"
+                               "From: f\r\nTo: t\r\nCc: c\r\nBcc: b\r\nDate: Mon, 5 Jan 2009\r\n"
+                               "Subject: s\r\nSender: r\r\n\r\nbody\r\n")),
+            1);
+  CString (*exports[])() = {GetDelivered1, GetDelivered2, GetDelivered3, GetFrom,
+                            GetTo,         GetCc,         GetBcc,        GetBody,
+                            GetDate,       GetSubject,    GetReplyTo};
+  std::string values;
+  for (auto get : exports) values += get().ToUtf8() + "|";
+  EXPECT_EQ(values, "d1|d2|d3|f|t|c|b|b|Mon, 5 Jan 2009|s|f|");
+  const std::pair<const char*, const char16_t*> replyTo[] = {
+      {"Sender: s\r\nReturn-Path: r\r\n\r\nx", u"s"},
+      {"Return-Path: r\r\n\r\nx", u"r"},
+      {"Reply-To: rt\r\nFrom: f\r\n\r\nx", u"rt"},
+      {"X: 1\r\n\r\nx", u""}};
+  for (auto [message, expected] : replyTo) {
+    ASSERT_EQ(Load(folder_.Write("m.eml", message)), 1);
+    EXPECT_EQ(GetReplyTo(), expected) << message;
   }
-  ScratchFolder folder_;
-};
-
-TEST_F(HeaderExportsTest, EachExportReadsItsField) {
-  Load(
-      "Delivered-To: d1\r\nX-Apparently-To: d2\r\nEnvelope-to: d3\r\nFrom: f\r\nTo: t\r\n"
-      "Cc: c\r\nBcc: b\r\nDate: Mon, 5 Jan 2009\r\nSubject: s\r\n\r\nbody\r\n");
-  EXPECT_EQ(GetDelivered1(), u"d1");
-  EXPECT_EQ(GetDelivered2(), u"d2");
-  EXPECT_EQ(GetDelivered3(), u"d3");
-  EXPECT_EQ(GetFrom(), u"f");
-  EXPECT_EQ(GetTo(), u"t");
-  EXPECT_EQ(GetCc(), u"c");
-  EXPECT_EQ(GetBcc(), u"b");
-  EXPECT_EQ(GetBody(), u"b");  // the Bcc value, not the body
-  EXPECT_EQ(GetDate(), u"Mon, 5 Jan 2009");
-  EXPECT_EQ(GetSubject(), u"s");
-}
-
-TEST_F(HeaderExportsTest, ReplyToFallsBackToFromSenderAndReturnPath) {
-  Load("From: f\r\nSender: s\r\nReturn-Path: r\r\n\r\nx");
-  EXPECT_EQ(GetReplyTo(), u"f");
-  Load("Sender: s\r\nReturn-Path: r\r\n\r\nx");
-  EXPECT_EQ(GetReplyTo(), u"s");
-  Load("Return-Path: r\r\n\r\nx");
-  EXPECT_EQ(GetReplyTo(), u"r");
-  Load("Reply-To: rt\r\nFrom: f\r\n\r\nx");
-  EXPECT_EQ(GetReplyTo(), u"rt");
-  Load("X: 1\r\n\r\nx");
-  EXPECT_EQ(GetReplyTo(), u"");
-  EXPECT_EQ(GetBody(), u"");
 }
 
 }  // namespace

@@ -10,6 +10,7 @@ namespace {
 
 using mailslice::mime::CountAttachmentMarkers;
 using mailslice::mime::IsAttachmentHeader;
+using mailslice::testing::Repeated;
 
 std::string Message(const std::string& parts, const std::string& closing = "--B--\r\n") {
   return "Content-Type: multipart/mixed; boundary=\"B\"\r\n\r\n" + parts + closing;
@@ -44,42 +45,35 @@ TEST(AttachmentMarkersTest, FirstMarkerWithHitsGivesTheCount) {
 TEST(AttachmentListingTest, ListsNamedPartsInOrder) {
   std::string message =
       Message(kText + kPdf + "--B\r\nContent-Type: message/rfc822\r\n\r\nFrom: a\r\n\r\nhi\r\n" +
-              "--B\r\nContent-Type: text/plain; name=\"x.txt\"\r\n\r\nno "
-              "disposition\r\n");
+              "--B\r\nContent-Type: text/plain; name=\"x.txt\"\r\n\r\nno disposition\r\n");
   EXPECT_EQ(Listed(message), (std::vector<std::string>{"report.pdf", "noname.eml"}));
   EXPECT_EQ(GetAttachArrayFile(2), u"");  // one past the end
   EXPECT_EQ(GetAttachArrayFile(-1), u"");
-  AttachArrayRemoveall();
-  EXPECT_EQ(GetAttachArrayCount(), 0);
+  // A message without a boundary, or without a marker, empties the list.
+  EXPECT_EQ(Listed("Subject: none\r\n\r\nplain body\r\n", 0), std::vector<std::string>{});
+  Listed(message);
+  EXPECT_EQ(Listed("Subject: x\r\n\r\nsee the attachment\r\n"), std::vector<std::string>{});
+  // The repair of a missing closing delimiter appends the boundary and "--" (without the
+  // leading "--"), so the open last part still has no end; the caller's text is unchanged.
+  std::string open = Message(kPdf + kPdf, "");
+  std::string before = open;
+  EXPECT_EQ(Listed(open), std::vector<std::string>{"report.pdf"});
+  EXPECT_EQ(open, before);
 }
 
 TEST(AttachmentListingTest, EmbeddedMessagesAreNamedBySubject) {
   // Without an attachment marker elsewhere the message would count no attachment at all.
-  std::string message = Message(
-      "--B\r\nContent-Type: message/rfc822\r\n\r\nSubject: Re: plan? <v2>\r\n\r\nhi\r\n" + kPdf);
-  EXPECT_EQ(Listed(message), (std::vector<std::string>{"Re plan v2.eml", "report.pdf"}));
-  std::string encoded = Message(
-      "--B\r\nContent-Type: message/rfc822\r\n\r\nSubject: =?utf-8?B?5pel5pys?=\r\n\r\nx\r\n" +
-      kPdf);
-  EXPECT_EQ(Listed(encoded), (std::vector<std::string>{"日本.eml", "report.pdf"}));
+  auto embedded = [](const std::string& subject) {
+    return Message("--B\r\nContent-Type: message/rfc822\r\n\r\nSubject: " + subject +
+                   "\r\n\r\nhi\r\n" + kPdf);
+  };
+  EXPECT_EQ(Listed(embedded("Re: plan? <v2>")),
+            (std::vector<std::string>{"Re plan v2.eml", "report.pdf"}));
+  EXPECT_EQ(Listed(embedded("=?utf-8?B?5pel5pys?=")),
+            (std::vector<std::string>{"日本.eml", "report.pdf"}));
   mailslice::testing::ScopedEnv japanese("MAILSLICE_LANGUAGE", "81");
-  EXPECT_EQ(Listed(message), (std::vector<std::string>{"Re： plan？ ＜v2＞.eml", "report.pdf"}));
-}
-
-TEST(AttachmentListingTest, MessagesWithoutMarkersOrBoundary) {
-  Listed(Message(kPdf));
-  EXPECT_EQ(Listed("Subject: none\r\n\r\nplain body\r\n", 0), std::vector<std::string>{});
-  Listed(Message(kPdf));
-  EXPECT_EQ(Listed("Subject: x\r\n\r\nsee the attachment\r\n"), std::vector<std::string>{});
-}
-
-TEST(AttachmentListingTest, MissingClosingDelimiterIsRepairedOnACopy) {
-  // The repair appends the boundary and "--" (without the leading "--"), so the open last part
-  // still has no end; the parts before it are listed, and the caller's text is unchanged.
-  std::string message = Message(kPdf + kPdf, "");
-  std::string before = message;
-  EXPECT_EQ(Listed(message), std::vector<std::string>{"report.pdf"});
-  EXPECT_EQ(message, before);
+  EXPECT_EQ(Listed(embedded("Re: plan? <v2>")),
+            (std::vector<std::string>{"Re： plan？ ＜v2＞.eml", "report.pdf"}));
 }
 
 TEST(AttachmentListingTest, RecordsCanBeFilledAndFreedByTheCaller) {
@@ -104,12 +98,8 @@ TEST(AttachmentListingTest, RecordsCanBeFilledAndFreedByTheCaller) {
 }
 
 TEST(AttachmentListingTest, HostileMessagesFinish) {
-  std::string many;
-  for (int i = 0; i < 10'000; ++i) many += kPdf;
-  EXPECT_EQ(Listed(Message(many)).size(), 10'000u);
-  std::string oneCharacter = "Content-Type: multipart/mixed; boundary=x\r\n\r\nfilename=";
-  for (int i = 0; i < 100'000; ++i) oneCharacter += "--x";
-  Listed(oneCharacter);
+  EXPECT_EQ(Listed(Message(Repeated(kPdf, 10'000))).size(), 10'000u);
+  Listed("Content-Type: multipart/mixed; boundary=x\r\n\r\nfilename=" + Repeated("--x", 100'000));
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
 #include "attach/attachment_saver.h"
 
-#include <errno.h>
 #include <gtest/gtest.h>
 #include <mailslice/exports.h>
 #include <sys/mount.h>
@@ -8,7 +7,6 @@
 
 #include <cstdint>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -68,27 +66,27 @@ std::string Decoded(const std::string& text, char* (*decode)(const char*, int*, 
 // The host's file system, failing where a test says: writes past a number of bytes, the close,
 // or the copy.
 class FailingFiles final : public FileSystem {
+  using Path = const std::string&;
+
  public:
   ErrorCode writeFailure = 0, closeFailure = 0, copyFailure = 0;
   size_t writableBytes = SIZE_MAX;
 
-  std::unique_ptr<File> OpenForReading(const std::string& path, ErrorCode* error) override {
+  std::unique_ptr<File> OpenForReading(Path path, ErrorCode* error) override {
     return host_.OpenForReading(path, error);
   }
-  std::unique_ptr<File> CreateNew(const std::string& path, ErrorCode* error) override {
+  std::unique_ptr<File> CreateNew(Path path, ErrorCode* error) override {
     std::unique_ptr<File> file = host_.CreateNew(path, error);
     return file ? std::make_unique<FailingFile>(std::move(file), *this) : nullptr;
   }
-  ErrorCode Copy(const std::string& from, const std::string& to) override {
+  ErrorCode Copy(Path from, Path to) override {
     return copyFailure != 0 ? copyFailure : host_.Copy(from, to);
   }
-  ErrorCode Rename(const std::string& from, const std::string& to) override {
-    return host_.Rename(from, to);
-  }
-  ErrorCode Remove(const std::string& path) override { return host_.Remove(path); }
-  bool Exists(const std::string& path) override { return host_.Exists(path); }
-  std::optional<FileStatus> Status(const std::string& path) override { return host_.Status(path); }
-  ErrorCode MakeFolders(const std::string& path, bool privateToUser) override {
+  ErrorCode Rename(Path from, Path to) override { return host_.Rename(from, to); }
+  ErrorCode Remove(Path path) override { return host_.Remove(path); }
+  bool Exists(Path path) override { return host_.Exists(path); }
+  std::optional<FileStatus> Status(Path path) override { return host_.Status(path); }
+  ErrorCode MakeFolders(Path path, bool privateToUser) override {
     return host_.MakeFolders(path, privateToUser);
   }
 
@@ -101,9 +99,9 @@ class FailingFiles final : public FileSystem {
       return file->Read(buffer, size, got);
     }
     ErrorCode Write(const void* data, size_t size) override {
-      size_t room = files.writableBytes - written;
-      written += std::min(room, size);
-      file->Write(data, std::min(room, size));  // what fits lands on the disk
+      size_t room = std::min(files.writableBytes - written, size);
+      written += room;
+      file->Write(data, room);  // what fits lands on the disk
       return room < size ? files.writeFailure : 0;
     }
     ErrorCode Close() override {
@@ -118,132 +116,103 @@ class FailingFiles final : public FileSystem {
   FileSystem& host_ = mailslice::platform::Files();
 };
 
-struct Failure {
-  const char* what;
-  ErrorCode write;
-  size_t writableBytes;
-  ErrorCode close, copy;
-  int base64Result, plainResult, quotedPrintableResult;
-};
-
-// The Base64 saver reports only a full disk; any other failure still answers 1 (but the
-// destination never gets the partial file).
-const Failure kFailures[] = {
-    {"disk full at once", 112, 0, 0, 0, 112, 112, 112},
-    {"disk full after a block", 112, 200'000, 0, 0, 112, 112, 112},
-    {"write fault", 29, 1000, 0, 0, 1, 29, 29},
-    {"disk full on close", 0, SIZE_MAX, 112, 0, 112, 112, 112},
-    {"disk full on copy", 0, SIZE_MAX, 0, 112, 112, 112, 112},
-    {"copy refused", 0, SIZE_MAX, 0, 5, 1, 5, 5},
-};
-
 TEST(AttachmentSaverTest, FailedSavesLeaveNothingBehind) {
+  // What fails (a write past so many bytes, the close, the copy), and what each saver answers:
+  // the Base64 saver reports only a full disk, any other failure still answers 1 (but the
+  // destination never gets the partial file).
+  const struct {
+    ErrorCode write;
+    size_t writableBytes;
+    ErrorCode close, copy;
+    int results[3];  // Base64, plain, quoted-printable
+  } failures[] = {{112, 0, 0, 0, {112, 112, 112}},        {112, 200'000, 0, 0, {112, 112, 112}},
+                  {29, 1000, 0, 0, {1, 29, 29}},          {0, SIZE_MAX, 112, 0, {112, 112, 112}},
+                  {0, SIZE_MAX, 0, 112, {112, 112, 112}}, {0, SIZE_MAX, 0, 5, {1, 5, 5}}};
   std::string body = RandomBytes(600'000, 1);
   FailingFiles files;
   mailslice::platform::ScopedFileSystem scope(files);
-  for (const Failure& failure : kFailures) {
+  for (const auto& failure : failures) {
     files.writeFailure = failure.write;
     files.writableBytes = failure.writableBytes;
     files.closeFailure = failure.close;
     files.copyFailure = failure.copy;
-    const int expected[] = {failure.base64Result, failure.plainResult,
-                            failure.quotedPrintableResult};
     for (int i = 0; i < 3; ++i) {
-      SCOPED_TRACE(std::string(failure.what) + ", " + kSavers[i].name);
+      SCOPED_TRACE(::testing::Message() << kSavers[i].name << " failing " << failure.write << "/"
+                                        << failure.close << "/" << failure.copy);
       SaveScratch scratch;
-      EXPECT_EQ(kSavers[i].save(kSavers[i].encode(body), scratch.Path("out")), expected[i]);
-      EXPECT_FALSE(scratch.HoldsTempFile());
-      EXPECT_FALSE(scratch.Holds("out"));
+      EXPECT_EQ(kSavers[i].save(kSavers[i].encode(body), scratch.Path("out")), failure.results[i]);
+      EXPECT_FALSE(scratch.HoldsTempFile() || scratch.Holds("out"));
     }
   }
 }
 
-// A small tmpfs mounted inside the test's own folder, unmounted again at the end.
-class SmallVolume {
- public:
-  explicit SmallVolume(const std::string& path) : path_(path) {
-    fs::create_directories(path);
-    if (geteuid() != 0) {
-      problem_ = "not running as root";
-    } else if (mount("tmpfs", path.c_str(), "tmpfs", 0, "size=256k,mode=0700") != 0) {
-      problem_ = std::string("mount failed: ") + std::strerror(errno);
-    }
-  }
-  ~SmallVolume() {
-    if (problem_.empty()) umount2(path_.c_str(), MNT_DETACH);
-  }
-  const std::string& problem() const { return problem_; }
-
- private:
-  std::string path_, problem_;
-};
-
+// The host's own file system on a full volume: a small tmpfs mounted in the test's folder.
 TEST(AttachmentSaverTest, FullVolumeGives112) {
   SaveScratch scratch;
-  SmallVolume volume(scratch.Path("small"));
-  if (!volume.problem().empty()) {
-    GTEST_SKIP() << "no small tmpfs to fill (" << volume.problem()
-                 << "); FailedSavesLeaveNothingBehind covers a full disk with a fake one";
+  std::string small = scratch.Path("small");
+  fs::create_directories(small);
+  if (geteuid() != 0 || mount("tmpfs", small.c_str(), "tmpfs", 0, "size=256k,mode=0700") != 0) {
+    GTEST_SKIP() << "no small tmpfs to fill; FailedSavesLeaveNothingBehind fakes a full disk";
   }
+  struct Unmount {
+    void operator()(const char* path) const { umount2(path, MNT_DETACH); }
+  };
+  std::unique_ptr<const char, Unmount> unmount(small.c_str());
   std::string body = RandomBytes(1'000'000, 2);
   for (const Saver& saver : kSavers) {
     SCOPED_TRACE(saver.name);
     std::string encoded = saver.encode(body);
     {
-      // The temporary file fills the volume.
-      mailslice::testing::ScopedEnv temp("MAILSLICE_TEMP", scratch.Path("small"));
+      mailslice::testing::ScopedEnv temp("MAILSLICE_TEMP", small);  // the temporary file fills it
       EXPECT_EQ(saver.save(encoded, scratch.Path("out")), 112);
       EXPECT_FALSE(scratch.Holds("out"));
     }
-    // The copy fills it.
-    EXPECT_EQ(saver.save(encoded, scratch.Path("small/out")), 112);
-    EXPECT_TRUE(fs::is_empty(scratch.Path("small")));
+    EXPECT_EQ(saver.save(encoded, scratch.Path("small/out")), 112);  // the copy fills it
+    EXPECT_TRUE(fs::is_empty(small));
     EXPECT_FALSE(scratch.HoldsTempFile());
   }
 }
 
 TEST(AttachmentSaverTest, TemporaryFileAndDestination) {
   SaveScratch scratch;
-  std::string text = "aGVsbG8=";
-  auto save = [&](const std::string& to) {
-    return SaveBase64File(text.data(), text.data() + text.size(), CString::FromUtf8(to));
-  };
+  auto save = [&](const std::string& to) { return kSavers[0].save("aGVsbG8=", scratch.Path(to)); };
   // A link planted at the temporary path is removed, not written through.
   std::string tempFile = scratch.Path("temp/AttachTempfile~.txt");
   fs::create_directories(scratch.Path("temp"));
   std::ofstream(scratch.Path("victim")) << "keep";
   fs::create_symlink(scratch.Path("victim"), tempFile);
-  EXPECT_EQ(save(scratch.Path("out")), 1);
+  EXPECT_EQ(save("out"), 1);
   EXPECT_EQ(Contents(scratch.Path("out")), "hello");
   EXPECT_EQ(Contents(scratch.Path("victim")), "keep");
   EXPECT_FALSE(fs::exists(fs::symlink_status(tempFile)));
   // An existing destination is replaced.
   std::ofstream(scratch.Path("old")) << "a much longer old content";
-  EXPECT_EQ(save(scratch.Path("old")), 1);
+  EXPECT_EQ(save("old"), 1);
   EXPECT_EQ(Contents(scratch.Path("old")), "hello");
   // A destination folder that is missing: only the Base64 saver keeps quiet about it.
-  const int missingFolder[] = {1, 2, 2};
   for (int i = 0; i < 3; ++i) {
-    EXPECT_EQ(kSavers[i].save("data", scratch.Path("none/out")), missingFolder[i]);
+    EXPECT_EQ(kSavers[i].save("data", scratch.Path("none/out")), i == 0 ? 1 : 2);
     EXPECT_FALSE(scratch.HoldsTempFile());
   }
   // Something that cannot be deleted at the temporary path, a temporary folder that is a file,
   // a region that ends before it starts: nothing is saved.
   fs::create_directories(tempFile + "/inside");
-  EXPECT_EQ(save(scratch.Path("blocked")), 0);
+  EXPECT_EQ(save("blocked"), 0);
   fs::remove_all(tempFile);
-  EXPECT_EQ(SaveAttachFile(text.data() + 1, text.data(), CString::FromUtf8(scratch.Path("a"))), 0);
+  const char* text = "aGVsbG8=";
+  EXPECT_EQ(SaveAttachFile(text + 1, text, CString::FromUtf8(scratch.Path("a"))), 0);
   mailslice::testing::ScopedEnv temp("MAILSLICE_TEMP", scratch.Path("victim"));
-  EXPECT_EQ(save(scratch.Path("nowhere")), 0);
+  EXPECT_EQ(save("nowhere"), 0);
   EXPECT_FALSE(scratch.Holds("blocked") || scratch.Holds("a") || scratch.Holds("nowhere"));
 }
 
+// The savers decode in blocks and chunks: what they save must be what the whole-text decoder
+// gives.
 TEST(AttachmentSaverTest, Base64BlocksDecodeAsTheWholeText) {
   // Noise the decoder skips (spaces, a stray "=" at a line start) and a padding "=" that ends
   // the text, spread over several blocks so that blocks end inside groups and inside noise.
   std::mt19937 generator(3);
-  std::string lines = Base64Lines(RandomBytes(400'000, 4));
-  std::string noisy;
+  std::string lines = Base64Lines(RandomBytes(400'000, 4)), noisy;
   for (char ch : lines) {
     noisy += ch;
     if (generator() % 97 == 0) noisy += ' ';
@@ -260,17 +229,12 @@ TEST(AttachmentSaverTest, Base64BlocksDecodeAsTheWholeText) {
 TEST(AttachmentSaverTest, QuotedPrintableChunksDecodeAsTheWholeText) {
   // Every kind of escape, in lines of many lengths, cut into chunks of many sizes.
   const char* pieces[] = {"a=3Db",  "=\r\n",    "x=A\r\n", "=\n",    "=3d", "==\r\n", "plain text",
-                          "=C3=A9", "=\r\n=41", "_",       "=4\r\n", " \t", "=\r=41"};
+                          "=C3=A9", "=\r\n=41", "_",       "=4\r\n", " \t", "=\r=41", "\r\n"};
   std::mt19937 generator(6);
   std::string text;
-  for (int i = 0; i < 2000; ++i) {
-    text += pieces[generator() % std::size(pieces)];
-    if (generator() % 7 == 0) text += "\r\n";
-  }
-  std::string escapes;
-  for (int i = 0; i < 300; ++i) escapes += "=41==42";
+  for (int i = 0; i < 2000; ++i) text += pieces[generator() % std::size(pieces)];
   SaveScratch scratch;
-  for (const std::string& whole : {text + "end", escapes}) {
+  for (const std::string& whole : {text + "end", mailslice::testing::Repeated("=41==42", 300)}) {
     for (size_t chunk = 12; chunk < whole.size() + 2; chunk += 1 + chunk / 4) {
       ASSERT_EQ(SaveQuotedPrintableFile(whole, scratch.Path("out"), chunk), 1);
       ASSERT_TRUE(Contents(scratch.Path("out")) ==
@@ -287,22 +251,18 @@ TEST(AttachmentSaverTest, QuotedPrintableChunksDecodeAsTheWholeText) {
 
 TEST(AttachmentSaverTest, EmlPartsAreSavedByTheirExactEncoding) {
   SaveScratch scratch;
-  struct Case {
-    const char* part;
-    const char* saved;  // null: nothing saved, result 0
-  } cases[] = {
+  const std::pair<const char*, std::optional<std::string>> cases[] = {
       {"Content-Transfer-Encoding: base64\r\n\r\naGk=\r\n", "hi"},
       {"Content-Transfer-Encoding: Base64\r\n\r\naGk=\r\n", "aGk=\r\n"},
       {"Content-Transfer-Encoding: quoted-printable\r\n\r\na=3Db\r\n", "a=3Db\r\n"},
       {"Subject: no empty line\r\nbody", "body"},  // behind the first line break
-      {"no line break at all", nullptr},
-      {nullptr, nullptr},
-  };
-  for (const Case& c : cases) {
-    std::string to = scratch.Path("out");
-    fs::remove(to);
-    EXPECT_EQ(SaveAttachedEmlFile(c.part, u"", CString::FromUtf8(to), u""), c.saved ? 1 : 0);
-    EXPECT_EQ(Contents(to), c.saved ? std::optional<std::string>(c.saved) : std::nullopt);
+      {"no line break at all", std::nullopt},      // nothing saved, result 0
+      {nullptr, std::nullopt}};
+  for (const auto& [part, saved] : cases) {
+    fs::remove(scratch.Path("out"));
+    EXPECT_EQ(SaveAttachedEmlFile(part, u"", CString::FromUtf8(scratch.Path("out")), u""),
+              saved ? 1 : 0);
+    EXPECT_EQ(Contents(scratch.Path("out")), saved);
   }
 }
 

@@ -12,73 +12,39 @@ namespace {
 
 using testing::ScopedEnv;
 
-struct NameCase {
-  const char* name;
-  std::string part;
-  const char16_t* fileName;
-};
-
-class FileNameReaderTest : public ::testing::TestWithParam<NameCase> {};
-
-TEST_P(FileNameReaderTest, ReadsTheSendersName) {
+// Names as mail programs write them, Japanese long names split over RFC 2231 continuations
+// among them.
+TEST(FileNameReaderTest, ReadsTheSendersName) {
   ScopedEnv codePage("MAILSLICE_CODEPAGE", "CP1252");
-  EXPECT_EQ(ReadFileNameParameter(GetParam().part.c_str()), GetParam().fileName);
+  const std::pair<std::string, const char16_t*> cases[] = {
+      {"attachment; filename=\"a b.txt\"", u"a b.txt"},
+      {"attachment; filename=a.txt; size=3", u"a.txt"},
+      {"attachment; filename=\"say \\\"hi\\\"; now.txt\"", u"say \"hi\"; now.txt"},
+      {"attachment; filename*=utf-8'ja'%E6%97%A5%E6%9C%AC.txt", u"日本.txt"},
+      {"x; filename*=iso-8859-1''caf%E9.txt", u"café.txt"},
+      {"attachment;\r\n filename*0*=utf-8''%E5%9B%9B%E5%8D%8A%E6%9C%9F%E3%81%AE;\r\n"
+       " filename*1*=%E5%A0%B1%E5%91%8A%E6%9B%B8;\r\n filename*2=\".pdf\"",
+       u"四半期の報告書.pdf"},
+      {"attachment; filename=\"utf-8''%E6%97%A5.txt\"", u"日.txt"},  // the form, plainly spelt
+      {"a; filename=\"\xE6\x97\xA5.txt\"", u"日.txt"},               // raw UTF-8 bytes
+      {"a; filename=\"caf\xE9.txt\"", u"café.txt"},  // raw bytes in the device code page
+      {"attachment; filename=\"long\r\n name.txt\"", u"long name.txt"},
+      // Encoded words join without the blank between them, across a fold too.
+      {"a; filename=\"=?UTF-8?B?5pel5pys?=\r\n =?UTF-8?Q?=E8=AA=9E?=\"", u"日本語"},
+      {"a; filename=\"=?iso-8859-1?Q?caf=E9?= menu.txt\"", u"café menu.txt"},
+      {"a; filename=\"=?utf-8?B?abc\"", u"=?utf-8?B?abc"},    // unterminated: stays text
+      {"inline\r\n\r\n<html><meta name=\"viewport\">", u""},  // a meta element is no file name
+      {"inline\r\n\r\nbody", u""}};
+  for (const auto& [disposition, fileName] : cases) {
+    std::string part = "Content-Disposition: " + disposition + "\r\n";
+    EXPECT_EQ(ReadFileNameParameter(part.c_str()), fileName) << disposition;
+  }
+  // The name parameter comes before the RFC 2231 forms.
+  EXPECT_EQ(ReadFileNameParameter("Content-Type: text/plain; name=\"=?utf-8?B?5pel5pys6Kqe?= "
+                                  "=?utf-8?B?LnR4dA==?=\"\r\nContent-Disposition: attachment; "
+                                  "filename*=utf-8''x.txt\r\n"),
+            u"日本語.txt");
 }
-
-// Long Japanese names as mail programs split them over RFC 2231 continuations.
-std::string JapaneseContinuations() {
-  return "Content-Disposition: attachment;\r\n"
-         " filename*0*=utf-8''%E5%9B%9B%E5%8D%8A%E6%9C%9F%E3%81%AE;\r\n"
-         " filename*1*=%E5%A0%B1%E5%91%8A%E6%9B%B8;\r\n"
-         " filename*2=\".pdf\"\r\n\r\nbody";
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    MailProgramHabits, FileNameReaderTest,
-    ::testing::Values(
-        NameCase{"Quoted", "Content-Disposition: attachment; filename=\"a b.txt\"\r\n", u"a b.txt"},
-        NameCase{"Unquoted", "Content-Disposition: attachment; filename=a.txt; size=3\r\n",
-                 u"a.txt"},
-        NameCase{"QuotesAndSemicolonsInside",
-                 "Content-Disposition: attachment; filename=\"say \\\"hi\\\"; now.txt\"\r\n",
-                 u"say \"hi\"; now.txt"},
-        NameCase{"NameParameterBeforeRfc2231",
-                 "Content-Type: text/plain; name=\"n.txt\"\r\nContent-Disposition: attachment; "
-                 "filename*=utf-8''x.txt\r\n",
-                 u"n.txt"},
-        NameCase{"Rfc2231WithCharset",
-                 "Content-Disposition: attachment; filename*=utf-8'ja'%E6%97%A5%E6%9C%AC.txt\r\n",
-                 u"日本.txt"},
-        NameCase{"Rfc2231Latin1", "Content-Disposition: x; filename*=iso-8859-1''caf%E9.txt\r\n",
-                 u"café.txt"},
-        NameCase{"Continuations", JapaneseContinuations(), u"四半期の報告書.pdf"},
-        NameCase{"Rfc2231FormAfterPlainSpelling",
-                 "Content-Disposition: attachment; filename=\"utf-8''%E6%97%A5.txt\"\r\n",
-                 u"日.txt"},
-        NameCase{"RawUtf8Bytes", "Content-Disposition: a; filename=\"\xE6\x97\xA5.txt\"\r\n",
-                 u"日.txt"},
-        NameCase{"RawDeviceCodePageBytes", "Content-Disposition: a; filename=\"caf\xE9.txt\"\r\n",
-                 u"café.txt"},
-        NameCase{"FoldedQuotedName",
-                 "Content-Disposition: attachment; filename=\"long\r\n name.txt\"\r\n",
-                 u"long name.txt"},
-        NameCase{
-            "EncodedWordsJoinWithoutTheBlankBetween",
-            "Content-Type: text/plain; name=\"=?utf-8?B?5pel5pys6Kqe?= =?utf-8?B?LnR4dA==?=\"\r\n",
-            u"日本語.txt"},
-        NameCase{"FoldedEncodedWords",
-                 "Content-Disposition: a; filename=\"=?UTF-8?B?5pel5pys?=\r\n "
-                 "=?UTF-8?Q?=E8=AA=9E?=\"\r\n",
-                 u"日本語"},
-        NameCase{"Latin1QuotedPrintableWord",
-                 "Content-Disposition: a; filename=\"=?iso-8859-1?Q?caf=E9?= menu.txt\"\r\n",
-                 u"café menu.txt"},
-        NameCase{"UnterminatedWordStaysText",
-                 "Content-Disposition: a; filename=\"=?utf-8?B?abc\"\r\n", u"=?utf-8?B?abc"},
-        NameCase{"MetaElementIsNoFileName",
-                 "Content-Disposition: inline\r\n\r\n<html><meta name=\"viewport\">", u""},
-        NameCase{"NoName", "Content-Disposition: inline\r\n\r\nbody", u""}),
-    [](const auto& info) { return std::string(info.param.name); });
 
 TEST(FileNameReaderTest, JapaneseWordsUnderAJapaneseDevice) {
   ScopedEnv language("MAILSLICE_LANGUAGE", "81");

@@ -1,6 +1,8 @@
+// The date display through its exports, so that each test also proves the wiring.
 #include "datetime/date_display.h"
 
 #include <gtest/gtest.h>
+#include <mailslice/exports.h>
 #include <time.h>
 
 #include <cmath>
@@ -45,55 +47,43 @@ double OleDate(int year, int month, int day, int hour, int minute, int second) {
 }
 
 TEST(DateDisplayTest, TimeZoneBiasIsMinutesEastWithDaylightSaving) {
-  const struct {
-    const char* zone;
-    int bias;
-  } cases[] = {{"JST-9", 540},
-               {"<+0530>-5:30", 330},
-               {"<-03>3", -180},
-               {"EST5EDT,0/0,J365/25", -240}};  // the last keeps daylight time all year
-  for (const auto& c : cases) {
-    Device device(c.zone, 1);
-    EXPECT_EQ(TimeZoneBias(), c.bias) << c.zone;
+  const std::pair<const char*, int> cases[] = {
+      {"JST-9", 540},
+      {"<+0530>-5:30", 330},
+      {"<-03>3", -180},
+      {"EST5EDT,0/0,J365/25", -240}};  // the last keeps daylight time all year
+  for (auto [zone, bias] : cases) {
+    Device device(zone, 1);
+    EXPECT_EQ(GetTimeZoneBias(), bias) << zone;
   }
 }
 
 TEST(DateDisplayTest, DisplayTimeMovesUniversalTimeIntoTheDevicesZone) {
-  const struct {
-    const char* zone;
-    const char* universalTime;
-    const char* shown;
-  } cases[] = {
-      {"JST-9", "2009/01/04 20:00:00", "2009/01/05 05:00:00"},
+  const std::tuple<const char*, const char*, const char*> cases[] = {
       {"JST-9", "2008/12/31 18:30:00", "2009/01/01 03:30:00"},
       {"<-05>5", "2008/03/01 02:00:00", "2008/02/29 21:00:00"},
       {"JST-9", "0000/00/00 00:00:00", "0000/00/00 00:00:00"},  // a Date that was unreadable
       {"JST-9", "9999/12/31 20:00:00", "0000/00/00 00:00:00"},
-      {"JST-9", "x", "0000/00/00 00:00:00"},
-  };
-  for (const auto& c : cases) {
-    Device device(c.zone, 1);
-    EXPECT_EQ(DisplayTimeOf(CString(c.universalTime)).ToUtf8(), c.shown) << c.universalTime;
+      {"JST-9", "x", "0000/00/00 00:00:00"}};
+  for (auto [zone, universalTime, shown] : cases) {
+    Device device(zone, 1);
+    EXPECT_EQ(ConvertToDisplayTime(CString(universalTime)).ToUtf8(), shown) << universalTime;
   }
 }
 
 TEST(DateDisplayTest, MonthsAndWeekdaysUseTheirMessageNumbers) {
   Device device("UTC0", 1);
-  const int months[] = {154, 155, 156, 157, 158, 159, 160, 161, 162, 116, 117, 118};
-  const int weekdays[] = {131, 120, 122, 124, 126, 128, 130};
-  std::string lines;
-  for (int number : months) lines += std::to_string(number) + "\t#" + std::to_string(number) + "\n";
-  for (int number : weekdays)
+  std::string lines, months, weekdays;
+  for (int number = 100; number < 200; ++number) {
     lines += std::to_string(number) + "\t#" + std::to_string(number) + "\n";
+  }
   device.WriteMessages("Email", lines);
-  for (int month = 1; month <= 12; ++month) {
-    EXPECT_EQ(MonthName(month).ToUtf8(), "#" + std::to_string(months[month - 1]));
-  }
-  for (int weekday = 1; weekday <= 7; ++weekday) {
-    EXPECT_EQ(WeekdayName(weekday).ToUtf8(), "#" + std::to_string(weekdays[weekday - 1]));
-  }
-  for (int outside : {0, 13, -1}) EXPECT_TRUE(MonthName(outside).IsEmpty()) << outside;
-  for (int outside : {0, 8, -2147483647 - 1}) EXPECT_TRUE(WeekdayName(outside).IsEmpty());
+  for (int month = 0; month <= 13; ++month) months += ConvertMonthNumToString(month).ToUtf8() + " ";
+  for (int weekday = 0; weekday <= 8; ++weekday)
+    weekdays += GetDayOfWeekString(weekday).ToUtf8() + " ";
+  EXPECT_EQ(months, " #154 #155 #156 #157 #158 #159 #160 #161 #162 #116 #117 #118  ");
+  EXPECT_EQ(weekdays, " #131 #120 #122 #124 #126 #128 #130  ");
+  EXPECT_TRUE(GetDayOfWeekString(-2147483647 - 1).IsEmpty());
 }
 
 TEST(DateDisplayTest, TimeFollowsTheClockSettingAndTheLanguage) {
@@ -102,41 +92,37 @@ TEST(DateDisplayTest, TimeFollowsTheClockSettingAndTheLanguage) {
     std::optional<int> timeFormat;  // nothing: never set, which means 12-hour
     int hour, minute;
     std::u16string expected;
-  } cases[] = {
-      {1, 0, 13, 5, u"13:05:09"},       {1, 2, 0, 5, u"00:05:09"},
-      {1, 1, 0, 5, u"12:05:09 AM"},     {1, std::nullopt, 11, 59, u"11:59:09 AM"},
-      {1, 1, 12, 0, u"12:00:09 PM"},    {7, 1, 23, 59, u"11:59:09 PM"},
-      {82, 1, 13, 5, u"오후 01:05:09"}, {81, 1, 9, 0, u"午前 09:00:09"},
-  };
+  } cases[] = {{1, 0, 13, 5, u"13:05:09"},       {1, 2, 0, 5, u"00:05:09"},
+               {1, 1, 0, 5, u"12:05:09 AM"},     {1, std::nullopt, 11, 59, u"11:59:09 AM"},
+               {1, 1, 12, 0, u"12:00:09 PM"},    {7, 1, 23, 59, u"11:59:09 PM"},
+               {82, 1, 13, 5, u"오후 01:05:09"}, {81, 1, 9, 0, u"午前 09:00:09"}};
   for (const auto& c : cases) {
     Device device("UTC0", c.language, c.timeFormat);
-    EXPECT_EQ(Utf8(TimeText(OleDate(2009, 1, 5, c.hour, c.minute, 9)).Str()), Utf8(c.expected));
+    EXPECT_EQ(Utf8(GetTimeMsg(0, 0, OleDate(2009, 1, 5, c.hour, c.minute, 9)).Str()),
+              Utf8(c.expected));
   }
   Device device("UTC0", 1, 1);
-  EXPECT_EQ(WithDayHalfMarker(u"10:20", 1191).ToUtf8(), "10:20");     // not a marker
+  EXPECT_EQ(Get12hoursMsg(u"10:20", 1191).ToUtf8(), "10:20");         // not a marker
   device.WriteMessages("Email", "1024\t%s%n %d.%02d.%02d %5d %%\n");  // no way past the ints
-  EXPECT_EQ(TimeText(OleDate(2009, 1, 5, 13, 5, 9)).ToUtf8(), "%s%n 1.05.09     0 % PM");
+  EXPECT_EQ(GetTimeMsg(0, 0, OleDate(2009, 1, 5, 13, 5, 9)).ToUtf8(), "%s%n 1.05.09     0 % PM");
 }
 
 TEST(DateDisplayTest, DateFollowsTheLanguage) {
-  const struct {
-    int language;
-    std::u16string expected;
-  } cases[] = {{1, u"Mon, Jan 5, 2009"},
-               {7, u"Mon, Jan 5, 2009"},
-               {81, u"2009年1月5日(月)"},
-               {82, u"2009년 1월 5일 (월)"}};
-  for (const auto& c : cases) {
-    Device device("UTC0", c.language);
-    EXPECT_EQ(Utf8(DateText(OleDate(2009, 1, 5, 23, 59, 59)).Str()), Utf8(c.expected));
+  const std::pair<int, std::u16string> cases[] = {{1, u"Mon, Jan 5, 2009"},
+                                                  {7, u"Mon, Jan 5, 2009"},
+                                                  {81, u"2009年1月5日(月)"},
+                                                  {82, u"2009년 1월 5일 (월)"}};
+  for (const auto& [language, expected] : cases) {
+    Device device("UTC0", language);
+    EXPECT_EQ(Utf8(GetDateMsg(0, 0, OleDate(2009, 1, 5, 23, 59, 59)).Str()), Utf8(expected));
   }
   Device device("UTC0", 1);
-  EXPECT_EQ(DateText(OleDate(2004, 2, 29, 0, 0, 0)).ToUtf8(), "Sun, Feb 29, 2004");
+  EXPECT_EQ(GetDateMsg(0, 0, OleDate(2004, 2, 29, 0, 0, 0)).ToUtf8(), "Sun, Feb 29, 2004");
   device.WriteMessages("Resource", "2\t%D.%m.%Y (%W) %Q %% %s%\n");
-  EXPECT_EQ(DateText(OleDate(2009, 10, 5, 0, 0, 0)).ToUtf8(), "5.10.2009 (Mon) %Q % %s%");
+  EXPECT_EQ(GetDateMsg(0, 0, OleDate(2009, 10, 5, 0, 0, 0)).ToUtf8(), "5.10.2009 (Mon) %Q % %s%");
   for (double notADate : {std::nan(""), 1e300, -700000.0}) {
-    EXPECT_TRUE(DateText(notADate).IsEmpty());
-    EXPECT_TRUE(TimeText(notADate).IsEmpty());
+    EXPECT_TRUE(GetDateMsg(0, 0, notADate).IsEmpty());
+    EXPECT_TRUE(GetTimeMsg(0, 0, notADate).IsEmpty());
   }
 }
 

@@ -1,6 +1,8 @@
+// The Date header reader through its exports, so that each test also proves the wiring.
 #include "datetime/date_header.h"
 
 #include <gtest/gtest.h>
+#include <mailslice/exports.h>
 #include <time.h>
 
 #include <array>
@@ -27,9 +29,9 @@ void ExpectParsed(const std::vector<Case>& cases) {
   tzset();
   for (const Case& c : cases) {
     std::array<CString, kDateFieldCount> fields;
-    ParseDateHeader(CString::FromUtf8(c.value), fields);
+    GetParsingDate(CString::FromUtf8(c.value), fields.data());
     EXPECT_EQ(fields[kDayOfWeekField].ToUtf8(), c.dayName) << c.value;
-    EXPECT_EQ(JoinDateFields(fields).ToUtf8(), c.universalTime) << c.value;
+    EXPECT_EQ(GetNewDate(fields.data()).ToUtf8(), c.universalTime) << c.value;
     EXPECT_EQ(fields[kZoneField].ToUtf8(), c.zone) << c.value;
   }
 }
@@ -83,9 +85,11 @@ TEST(DateHeaderTest, NeverWritesBeyondTheEightEntries) {
                             "Mon, 5 +", longRun.c_str()}) {
     auto entries = std::make_unique<CString[]>(kDateFieldCount + 1);
     entries[kDateFieldCount] = u"guard";
-    ParseDateHeader(CString::FromUtf8(value), DateFields(entries.get(), kDateFieldCount));
+    GetParsingDate(CString::FromUtf8(value), entries.get());
     EXPECT_EQ(entries[kDateFieldCount], u"guard") << value;
   }
+  GetParsingDate(u"Mon, 5 Jan 2009 10:20:30 +0900", nullptr);  // no entries: nothing to fill
+  EXPECT_TRUE(GetNewDate(nullptr).IsEmpty());
 }
 
 }  // namespace

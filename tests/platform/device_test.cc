@@ -18,12 +18,11 @@ class MessageCatalogTest : public ::testing::Test {
 };
 
 TEST_F(MessageCatalogTest, BuiltInCatalogsServeWithoutFiles) {
-  CSystemValue japanese;
-  ASSERT_TRUE(japanese.LoadMessageFile(u"Email"));
-  EXPECT_EQ(japanese.GetMessageW(116), u"10月");
-  EXPECT_EQ(japanese.GetMessageW(1192), u"午前");
-  ScopedEnv korean("MAILSLICE_LANGUAGE", "82");
   CSystemValue value;
+  ASSERT_TRUE(value.LoadMessageFile(u"Email"));
+  EXPECT_EQ(value.GetMessageW(116), u"10月");
+  EXPECT_EQ(value.GetDateAndTimeMessage(2009, 1, 5, 5, 0, 9), u"2009/01/05 05:00:09");
+  ScopedEnv korean("MAILSLICE_LANGUAGE", "82");
   ASSERT_TRUE(value.LoadMessageFile(u"Email"));
   EXPECT_EQ(value.GetMessageW(131), u"일");
   ScopedEnv unknown("MAILSLICE_LANGUAGE", "33");  // no catalog of its own: English
@@ -34,8 +33,8 @@ TEST_F(MessageCatalogTest, BuiltInCatalogsServeWithoutFiles) {
   EXPECT_EQ(value.GetMessageW(118), u"Dec");  // a failed load keeps what was loaded
 }
 
-TEST_F(MessageCatalogTest, LanguageFileComesFirstAndGapsAreFilledFromBuiltIns) {
-  folder_.Write("Email", "133\tshared file\n1193\tafternoon\n");
+TEST_F(MessageCatalogTest, LanguageFileComesFirstThenTheSharedFileThenTheBuiltIns) {
+  folder_.Write("Email", "133\tshared file\n1193\tafternoon\n2000\t%04d-%02d-%02dT%02d %s\n");
   folder_.Write("81/Email",
                 "# comment\r\n\r\n133\t\\t(nobody)\\n\\\\x\\q\r\nnot a message\n77 no tab\n");
   CSystemValue value;
@@ -43,22 +42,12 @@ TEST_F(MessageCatalogTest, LanguageFileComesFirstAndGapsAreFilledFromBuiltIns) {
   EXPECT_EQ(value.GetMessageW(133), u"\t(nobody)\n\\x\\q");
   EXPECT_EQ(value.GetMessageW(1193), u"午後");  // not from the shared file: the language file won
   EXPECT_EQ(value.GetMessageW(77), u"");
-}
-
-TEST_F(MessageCatalogTest, SharedFileServesLanguagesWithoutTheirOwn) {
-  folder_.Write("Email", "133\tshared file\n2000\t%04d-%02d-%02dT%02d:%02d:%02d %s\n");
-  ScopedEnv german("MAILSLICE_LANGUAGE", "49");
-  CSystemValue value;
+  ScopedEnv german("MAILSLICE_LANGUAGE", "49");  // no file of its own
   ASSERT_TRUE(value.LoadMessageFile(u"Email"));
   EXPECT_EQ(value.GetMessageW(133), u"shared file");
   EXPECT_EQ(value.GetMessageW(1192), u"AM");
   // A catalog's own date format: integers only, so "%s" stays text.
-  EXPECT_EQ(value.GetDateAndTimeMessage(2009, 1, 5, 7, 8, 9), u"2009-01-05T07:08:09 %s");
-}
-
-TEST_F(MessageCatalogTest, DateAndTimeDefaultFormat) {
-  CSystemValue value;
-  EXPECT_EQ(value.GetDateAndTimeMessage(2009, 1, 5, 5, 0, 9), u"2009/01/05 05:00:09");
+  EXPECT_EQ(value.GetDateAndTimeMessage(2009, 1, 5, 7, 8, 9), u"2009-01-05T07 %s");
 }
 
 TEST(DeviceTest, SettingsAreReadFreshAndBadNumbersFallBack) {

@@ -22,9 +22,6 @@ inline constexpr unsigned kEucJp = 51932, kUtf7 = 65000, kUtf8 = 65001;
 // `text` in code page `codePage`, converted by iconv.
 std::string InCodePage(unsigned codePage, std::u16string_view text);
 
-// `bytes` in Base64 on one line, as mail programs write encoded words.
-std::string Base64(std::string_view bytes);
-
 // "=?charset?B?...?=" around `bytes` in Base64. `marker` may be 'b'.
 std::string Base64Word(std::string_view charset, std::string_view bytes, char marker = 'B');
 

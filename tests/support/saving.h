@@ -1,14 +1,12 @@
 // Helpers for the tests that save attachments: a scratch folder that also holds the temporary
-// folder, reading files back, and the mail encodings the savers undo.
+// folder, and the mail encodings the savers undo.
 #ifndef MAILSLICE_TESTS_SUPPORT_SAVING_H
 #define MAILSLICE_TESTS_SUPPORT_SAVING_H
 
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <optional>
 #include <random>
-#include <sstream>
 #include <string>
 #include <string_view>
 
@@ -30,14 +28,6 @@ class SaveScratch {
   ScopedEnv temp_;
 };
 
-inline std::optional<std::string> Contents(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) return std::nullopt;
-  std::ostringstream out;
-  out << in.rdbuf();
-  return out.str();
-}
-
 // Random bytes; with `noNul` 1 to 255 only, for bodies sent as they are in NUL-ended text.
 inline std::string RandomBytes(size_t size, unsigned seed, bool noNul = false) {
   std::mt19937 generator(seed);
@@ -49,21 +39,9 @@ inline std::string RandomBytes(size_t size, unsigned seed, bool noNul = false) {
 
 // Base64 in lines of 76 characters ending in CR LF, as mail programs send attachments.
 inline std::string Base64Lines(std::string_view bytes) {
-  static constexpr char kAlphabet[] =
-      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-  std::string text;
-  for (size_t i = 0; i < bytes.size(); i += 3) {
-    unsigned value = 0;
-    for (size_t k = 0; k < 3; ++k) {
-      value = value << 8 | (i + k < bytes.size() ? static_cast<unsigned char>(bytes[i + k]) : 0);
-    }
-    for (size_t k = 0; k < 4; ++k) {
-      text += k <= bytes.size() - i ? kAlphabet[value >> (18 - 6 * k) & 63] : '=';
-      if ((i / 3 * 4 + k + 1) % 76 == 0) text += "\r\n";
-    }
-  }
-  if (!text.empty() && text.back() != '\n') text += "\r\n";
-  return text;
+  std::string text = Base64(bytes), lines;
+  for (size_t at = 0; at < text.size(); at += 76) lines += text.substr(at, 76) + "\r\n";
+  return lines;
 }
 
 // Quoted-printable with upper-case escapes and soft line breaks before column 76.

@@ -1,4 +1,5 @@
-// Helpers shared by the tests: scoped environment settings and scratch folders.
+// Helpers shared by the tests: scoped environment settings, scratch folders, and the texts
+// the tests feed the library.
 #ifndef MAILSLICE_TESTS_SUPPORT_TEST_SUPPORT_H
 #define MAILSLICE_TESTS_SUPPORT_TEST_SUPPORT_H
 
@@ -41,8 +42,24 @@ class ScratchFolder {
   std::filesystem::path path_;
 };
 
+// The whole content of a file, or nothing when it cannot be read.
+std::optional<std::string> Contents(const std::string& path);
+
 // The bytes of a u"" literal as UTF-8, for readable expectations.
 std::string Utf8(std::u16string_view text);
+
+// The NUL-terminated text of a malloc'd buffer the library handed over (nothing for null),
+// freed.
+std::optional<std::string> Taken(char* text);
+
+// `piece` written `times` times over, for the long texts of the hostile-input tests.
+std::string Repeated(std::string_view piece, size_t times);
+std::u16string Repeated(std::u16string_view piece, size_t times);
+
+// `bytes` in plain Base64 on one line. The library's own encoder is not used: it encodes a
+// last pair of bytes whose second is 0x80 or above as the device always has, not as mail
+// programs do.
+std::string Base64(std::string_view bytes);
 
 }  // namespace mailslice::testing
 
