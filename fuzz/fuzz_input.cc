@@ -23,10 +23,20 @@ constexpr char kRegistryHeader[] =
     "Windows Registry Editor Version 5.00\n\n"
     "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Corvane\\TimeSet]\n";
 
+// Each run writes and removes a few files: a folder in memory keeps that cheap.
+std::string ScratchRoot() {
+  std::error_code error;
+  if (getenv("TMPDIR") == nullptr && std::filesystem::is_directory("/dev/shm", error) &&
+      access("/dev/shm", W_OK) == 0) {
+    return "/dev/shm";
+  }
+  return std::filesystem::temp_directory_path().string();
+}
+
 class ScratchFolder {
  public:
   ScratchFolder() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "mailslice-fuzz-XXXXXX");
+    std::string pattern = ScratchRoot() + "/mailslice-fuzz-XXXXXX";
     if (mkdtemp(pattern.data()) == nullptr) {
       std::perror("mailslice fuzz: mkdtemp");
       std::abort();
@@ -44,13 +54,15 @@ class ScratchFolder {
   std::string path_;
 };
 
+// The stores that hold a setting are written once; the library only ever adds a missing key.
 void ChooseClock(int choice) {
+  static bool written[2] = {false, false};
   std::string store = Scratch() + "/registry-" + std::to_string(choice) + ".reg";
-  if (choice == 0) {
-    WriteFile(store, std::string(kRegistryHeader) + "\"TimeFormat\"=dword:00000001\n");
-  } else if (choice == 1) {
-    WriteFile(store, std::string(kRegistryHeader) + "\"TimeFormat\"=dword:00000000\n");
-  } else {
+  if (choice < 2 && !written[choice]) {
+    WriteFile(store, std::string(kRegistryHeader) + "\"TimeFormat\"=dword:0000000" +
+                         (choice == 0 ? "1" : "0") + "\n");
+    written[choice] = true;
+  } else if (choice == 2) {
     RemovePath(store);  // the library creates the key and takes the 24-hour clock
   }
   setenv("MAILSLICE_REGISTRY", store.c_str(), 1);
