@@ -15,8 +15,8 @@ const MessageAttachments& RecentAttachments::Of(const char* text, const CString&
   bool same = key_ && text != nullptr && key_->fallbackBoundary == fallbackBoundary &&
               key_->language == platform::LanguageCode() &&
               key_->codePage == platform::AnsiCodePageName() &&
-              std::strlen(text) == key_->text.size() &&
-              std::memcmp(text, key_->text.data(), key_->text.size()) == 0;
+              std::strncmp(text, key_->text.c_str(), key_->text.size()) == 0 &&
+              text[key_->text.size()] == '\0';  // one pass, never past the text's end
   if (!same) {
     // The old listing goes first, so that two listings never take memory at once.
     key_.reset();
