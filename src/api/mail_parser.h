@@ -8,6 +8,7 @@
 #include <mailslice/part_record.h>
 
 #include "attach/attachment_list.h"
+#include "attach/recent_attachments.h"
 
 namespace mailslice::api {
 
@@ -83,6 +84,9 @@ class MailParser {
 
  private:
   attach::AttachmentList attachments_;  // the names of the latest listing
+  // The parts of the message whose attachments were saved last: saving the next one of the
+  // same message finds it without cutting the message again.
+  mutable attach::RecentAttachments recentlySaved_;
 };
 
 }  // namespace mailslice::api

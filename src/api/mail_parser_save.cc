@@ -25,8 +25,7 @@ int MailParser::IsFile(int /*unused*/, CString& path) const {
 // message that declares none.
 int MailParser::SaveAttachedFile(const char* text, const CString& altName, const CString& destPath,
                                  const CString& boundary, const CString& fileName) const {
-  attach::MessageAttachments attachments(text, boundary);
-  const attach::AttachmentPart* part = attachments.Find(fileName, altName);
+  const attach::AttachmentPart* part = recentlySaved_.Of(text, boundary).Find(fileName, altName);
   if (part == nullptr) return attach::kSaveImpossible;
   return attach::SaveBodyByEncoding(part->body, part->transferEncoding, destPath.ToUtf8());
 }

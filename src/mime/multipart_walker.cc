@@ -1,5 +1,6 @@
 #include "mime/multipart_walker.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -44,8 +45,9 @@ class Walk {
       const char* next = outer_.Next(position + 1);
       if (next == nullptr) break;
       if (embeddedStart_ != nullptr && embeddedEnd_ != nullptr && next > embeddedStart_) {
-        // A forwarded message that reuses our boundary: its parts are one piece with it.
-        next = outer_.Next(embeddedEnd_ + 1);
+        // A forwarded message that reuses our boundary: its parts are one piece with it. When
+        // its end lies behind us already, the delimiter found stands: a walk never goes back.
+        next = outer_.Next(std::max(embeddedEnd_, position) + 1);
         embeddedStart_ = embeddedEnd_ = nullptr;
         if (next == nullptr) break;
       }
