@@ -64,8 +64,8 @@ TEST_F(MessageBufferTest, AFailedLoadKeepsThePreviousMessageAndALoadReplacesIt) 
 }
 
 TEST_F(MessageBufferTest, NulByteEndsTheTextForEveryReader) {
-  ASSERT_EQ(
-      Load(folder_.Write("nul.eml", std::string("Subject: a\r\n\r\nbody\0To: x\r\n\r\n", 30))), 1);
+  const char message[] = "Subject: a\r\n\r\nbody\0To: x\r\n\r\n";
+  ASSERT_EQ(Load(folder_.Write("nul.eml", std::string(message, sizeof message - 1))), 1);
   EXPECT_EQ(std::strlen(GetMessageText()), 18u);
   EXPECT_EQ(GetTo(), u"");
 }
