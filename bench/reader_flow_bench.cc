@@ -36,8 +36,8 @@ std::string Base64Lines(size_t bytes, std::mt19937& random) {
 }
 
 std::string Attachment(int number, size_t bytes, std::mt19937& random) {
-  return std::string("--") + kBoundary +
-         "\r\nContent-Type: application/octet-stream; name=\"file" + std::to_string(number) +
+  return std::string("--") + kBoundary + "\r\nContent-Type: application/octet-stream; name=\"file" +
+         std::to_string(number) +
          ".bin\"\r\nContent-Transfer-Encoding: base64\r\n"
          "Content-Disposition: attachment; filename=\"file" +
          std::to_string(number) + ".bin\"\r\n\r\n" + Base64Lines(bytes, random);
