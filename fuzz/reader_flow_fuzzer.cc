@@ -14,7 +14,7 @@ namespace {
 
 using mailslice::fuzz::Require;
 
-// The header exports that take no argument, and the one that hands out the buffer itself.
+// The header exports that take no argument (GetBody reads the Bcc field, as it always has).
 constexpr CString (*kFieldReaders[])() = {GetFrom,       GetTo,         GetCc,        GetBcc,
                                           GetBody,       GetDate,       GetSubject,   GetReplyTo,
                                           GetDelivered1, GetDelivered2, GetDelivered3};

@@ -4,6 +4,7 @@
 #include <errno.h>
 #include <iconv.h>
 
+#include <algorithm>
 #include <bit>
 #include <cstring>
 #include <memory>
@@ -100,6 +101,12 @@ struct Refusal {
   bool stop = false;
 };
 
+// glibc converts through an intermediate buffer of several kilobytes and, at a character the
+// target refuses, converts that stretch again to find its place in the input. Handing the input
+// over a short window at a time keeps a text full of refused characters (a mail in a script
+// the device cannot show) linear instead of costing kilobytes for each of them.
+constexpr size_t kWindowBytes = 256;
+
 // Runs one whole conversion; `onRefusal` decides about each refused position (`incomplete`
 // tells an input that ends inside a character).
 template <typename OnRefusal>
@@ -108,23 +115,33 @@ std::string Run(iconv_t descriptor, std::string_view input, OnRefusal onRefusal)
   char* in = const_cast<char*>(input.data());
   size_t inLeft = input.size();
   size_t written = 0;
+  size_t window = kWindowBytes;
   while (true) {
     char* out = output.data() + written;
     size_t outLeft = output.size() - written;
     // Once the input is used up, a stateful code page (ISO-2022-JP) writes its closing shift.
     bool flushing = inLeft == 0;
+    size_t slice = std::min(window, inLeft);
+    size_t sliceLeft = slice;
     size_t result = flushing ? iconv(descriptor, nullptr, nullptr, &out, &outLeft)
-                             : iconv(descriptor, &in, &inLeft, &out, &outLeft);
+                             : iconv(descriptor, &in, &sliceLeft, &out, &outLeft);
+    int error = errno;
+    inLeft -= slice - sliceLeft;
     written = output.size() - outLeft;
     if (result != static_cast<size_t>(-1)) {
       if (flushing) break;
+      window = kWindowBytes;
       continue;
     }
-    if (errno == E2BIG) {
+    if (error == E2BIG) {
       output.resize(output.size() * 2);
       continue;
     }
-    Refusal refusal = onRefusal(std::string_view(in, inLeft), errno == EINVAL);
+    if (error == EINVAL && sliceLeft < inLeft) {
+      window *= 2;  // the window cut a character: the rest of it follows
+      continue;
+    }
+    Refusal refusal = onRefusal(std::string_view(in, inLeft), error == EINVAL);
     if (written + refusal.replacement.size() > output.size()) {
       output.resize(output.size() * 2 + refusal.replacement.size());
     }
