@@ -23,10 +23,10 @@ struct Base64Progress {
 };
 
 // Decodes `count` characters of `text` (its whole length up to the NUL when `length` is null;
-// else *length, and a count beyond the NUL ends at the NUL). Returns a new calloc'd buffer of
-// count + 1 bytes that the caller frees; *length receives the number of decoded bytes and
-// *error the error flag. When memory runs out the result is a fresh one-byte empty buffer
-// (or null when even that fails) and *length is left alone.
+// else *length, and a count beyond the NUL ends at the NUL). Returns a new malloc'd buffer of
+// count + 1 bytes, zero behind what decoding wrote, that the caller frees; *length receives the
+// number of decoded bytes and *error the error flag. When memory runs out the result is a fresh
+// one-byte empty buffer (or null when even that fails) and *length is left alone.
 char* DecodeBase64(const char* text, int* length, int* error = nullptr);
 
 // Decodes Base64 handed over in consecutive blocks (an attachment body read piece by piece).

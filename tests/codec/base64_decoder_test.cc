@@ -99,9 +99,23 @@ TEST(Base64DecoderTest, StopsAtTheTerminatorWhateverTheCount) {
   }
 }
 
+// Lines of clean Base64 long enough for the vector path (which takes 32 characters a step),
+// of any length, with now and then a byte of every kind anywhere in them.
+std::string RandomLines(std::mt19937& random) {
+  std::string text;
+  for (int lines = 1 + int(random() % 6); lines > 0; --lines) {
+    for (int k = int(random() % 100); k > 0; --k) {
+      text += random() % 60 == 0 ? char(1 + random() % 255) : kAlphabet[random() % 64];
+    }
+    text += random() % 8 == 0 ? "\n" : "\r\n";
+  }
+  return text;
+}
+
 // Inputs of the kinds mail brings and breaks: Base64 with line breaks and stray bytes, "=" in
 // odd places, and plain noise.
 std::string RandomInput(std::mt19937& random) {
+  if (random() % 3 == 0) return RandomLines(random);
   const std::string noise = std::string("\r\n =-\x80\xFF.") + kAlphabet;
   std::string text;
   bool mostlyBase64 = random() % 2 == 0;
@@ -123,6 +137,21 @@ TEST(Base64DecoderTest, MatchesTheLiteralReadingOnGeneratedInput) {
     int count = random() % 3 == 0 ? int(random() % (text.size() + 1)) : int(text.size());
     ASSERT_EQ(Decode(text, count), ReferenceDecode(text, count))
         << ::testing::PrintToString(text) << " count " << count;
+  }
+}
+
+// Every byte value at every place of a run the vector path would take whole: only the 64
+// alphabet characters may be decoded there.
+TEST(Base64DecoderTest, TellsEveryByteOutsideTheAlphabetInLongRuns) {
+  std::string clean;
+  for (int k = 0; k < 96; ++k) clean += kAlphabet[(k * 7) % 64];
+  for (int byte = 1; byte < 256; ++byte) {
+    for (size_t at : {0, 5, 31, 32, 47, 63, 64, 95}) {
+      std::string text = clean;
+      text[at] = char(byte);
+      ASSERT_EQ(Decode(text, int(text.size())), ReferenceDecode(text, int(text.size())))
+          << "byte " << byte << " at " << at;
+    }
   }
 }
 
