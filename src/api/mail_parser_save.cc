@@ -1,4 +1,5 @@
 // The main parser's attachment saving and free-name choice.
+#include "api/instances.h"
 #include "api/mail_parser.h"
 #include "attach/attachment_finder.h"
 #include "attach/attachment_saver.h"
@@ -25,7 +26,12 @@ int MailParser::IsFile(int /*unused*/, CString& path) const {
 // message that declares none.
 int MailParser::SaveAttachedFile(const char* text, const CString& altName, const CString& destPath,
                                  const CString& boundary, const CString& fileName) const {
-  const attach::AttachmentPart* part = recentlySaved_.Of(text, boundary).Find(fileName, altName);
+  std::optional<uint64_t> loadedMessage;
+  if (text != nullptr && text == MessageBuffer().GetMessageText()) {
+    loadedMessage = MessageBuffer().generation();
+  }
+  const attach::AttachmentPart* part =
+      recentlySaved_.Of(text, boundary, loadedMessage).Find(fileName, altName);
   if (part == nullptr) return attach::kSaveImpossible;
   return attach::SaveBodyByEncoding(part->body, part->transferEncoding, destPath.ToUtf8());
 }

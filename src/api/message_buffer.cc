@@ -35,17 +35,20 @@ int MessageBufferHolder::Load(const CString& path) {
   if (limit && size > *limit) return 0;
   if (size == 0 || size >= kInvalidFileSize) return 0;
   Free();  // from here on the previous message is given up
-  text_ = static_cast<char*>(std::calloc(static_cast<size_t>(size) + 1, 1));
+  text_ = static_cast<char*>(std::malloc(static_cast<size_t>(size) + 1));
   if (text_ == nullptr) return 0;
+  ++generation_;
   // A short read leaves zeros behind what arrived; the load still succeeds.
   size_t got = 0;
   file->Read(text_, static_cast<size_t>(size), &got);
+  std::memset(text_ + got, 0, static_cast<size_t>(size) + 1 - got);
   return 1;
 }
 
 void MessageBufferHolder::Free() {
   std::free(text_);
   text_ = nullptr;
+  ++generation_;
 }
 
 CString MessageBufferHolder::Field(const char16_t* name) const {

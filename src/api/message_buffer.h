@@ -41,11 +41,15 @@ class MessageBufferHolder {
   CString GetDelivered3() const;
   // The buffer itself, owned by the holder; null when no message is loaded.
   char* GetMessageText() const { return text_; }
+  // Changes with every load and free, so that what was learnt of one message is never taken
+  // for the next one loaded at the same address.
+  uint64_t generation() const { return generation_; }
 
  private:
   CString Field(const char16_t* name) const;
 
   char* text_ = nullptr;  // malloc'd, file size + 1 bytes, always NUL-terminated
+  uint64_t generation_ = 0;
 };
 
 }  // namespace mailslice::api

@@ -1,5 +1,6 @@
 #include "attach/attachment_finder.h"
 
+#include "attach/attachment_listing.h"
 #include "mime/attachment_markers.h"
 #include "mime/header_parameters.h"
 
@@ -26,15 +27,17 @@ MessageAttachments::MessageAttachments(const char* text, const CString& fallback
   CString boundary;
   if (mime::GetBoundary(text, boundary, nullptr) == 0) boundary = fallbackBoundary;
   if (boundary.IsEmpty()) return;
-  records_ = CutMessage(text, boundary);
-  if (!records_) return;
-  AttachmentList names;
-  FillAttachmentRecords(records_->data(), records_->count(), names);
-  for (int i = 0; i < records_->count(); ++i) {
-    const PartRecord& record = *records_->data()[i];
-    if (record.kind != kAttachment) continue;
-    parts_.push_back({record.fileName, record.transferEncoding, PartBody(record.partText)});
-  }
+  VisitMarkedParts(
+      text, boundary, repaired_, [&](const PartRecord& record, const mime::Piece& piece) {
+        if (record.kind != kAttachment) return;
+        // The body as found in the record's copy, at the same place in the text.
+        std::string_view body = PartBody(record.partText);
+        std::string_view inText;
+        if (!body.empty()) {
+          inText = std::string_view(piece.begin + (body.data() - record.partText), body.size());
+        }
+        parts_.push_back({record.fileName, record.transferEncoding, inText});
+      });
 }
 
 const AttachmentPart* MessageAttachments::Find(const CString& name, const CString& altName) const {

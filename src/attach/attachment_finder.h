@@ -5,7 +5,7 @@
 
 #include <mailslice/cstring.h>
 
-#include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -24,8 +24,12 @@ struct AttachmentPart {
 // spelling the sender used for it (quoted, bare, RFC 2231, continued, encoded words).
 class MessageAttachments {
  public:
-  // `fallbackBoundary` is used only when the message declares no boundary of its own.
+  // `fallbackBoundary` is used only when the message declares no boundary of its own. The
+  // bodies point into `text`, which must stay as it is while the object lives (or into the
+  // object's own repaired copy of a message cut off before its closing delimiter).
   MessageAttachments(const char* text, const CString& fallbackBoundary);
+  MessageAttachments(const MessageAttachments&) = delete;
+  MessageAttachments& operator=(const MessageAttachments&) = delete;
 
   const std::vector<AttachmentPart>& parts() const { return parts_; }
   // The first attachment listed as `name`, else the first listed as `altName`; null when
@@ -33,7 +37,7 @@ class MessageAttachments {
   const AttachmentPart* Find(const CString& name, const CString& altName) const;
 
  private:
-  std::optional<mime::PartRecordSet> records_;  // the bodies point into their texts
+  std::string repaired_;
   std::vector<AttachmentPart> parts_;
 };
 

@@ -38,6 +38,25 @@ void MarkAttachment(PartRecord& record) {
   }
 }
 
+// A malloc'd, NUL-terminated copy, as a part record holds it; null when memory runs out.
+char* CopyOfPiece(const mime::Piece& piece) {
+  auto length = static_cast<size_t>(piece.end - piece.begin);
+  auto* copy = static_cast<char*>(std::malloc(length + 1));
+  if (copy == nullptr) return nullptr;
+  std::memcpy(copy, piece.begin, length);
+  copy[length] = '\0';
+  return copy;
+}
+
+// A message cut off before its closing delimiter gets "\r\n", the boundary and "--" at its
+// end, on a copy.
+const char* WithClosingDelimiter(const char* text, const CString& boundary, std::string& repaired) {
+  std::string closing = platform::WideToAnsi((boundary + u"--").Str());
+  if (std::strstr(text, closing.c_str()) != nullptr) return text;
+  repaired = std::string(text) + "\r\n" + closing;
+  return repaired.c_str();
+}
+
 }  // namespace
 
 int ListAttachments(const char* text, CString& names, int* count, AttachmentList& list) {
@@ -47,21 +66,17 @@ int ListAttachments(const char* text, CString& names, int* count, AttachmentList
   CString boundary;
   if (mime::GetBoundary(text, boundary, nullptr) == 0) return 1;
   if (count != nullptr) *count = 0;
-  std::optional<mime::PartRecordSet> records = CutMessage(text, boundary);
-  if (!records) return 0;
-  FillAttachmentRecords(records->data(), records->count(), list);
-  return 1;
+  std::string repaired;
+  bool walked =
+      VisitMarkedParts(text, boundary, repaired, [&](const PartRecord& record, const mime::Piece&) {
+        if (record.kind == kAttachment) list.Add(record.fileName);
+      });
+  return walked ? 1 : 0;
 }
 
 std::optional<mime::PartRecordSet> CutMessage(const char* text, const CString& boundary) {
-  // A message cut off before its closing delimiter gets "\r\n", the boundary and "--" at its
-  // end, on a copy.
-  std::string closing = platform::WideToAnsi((boundary + u"--").Str());
   std::string repaired;
-  if (std::strstr(text, closing.c_str()) == nullptr) {
-    repaired = std::string(text) + "\r\n" + closing;
-    text = repaired.c_str();
-  }
+  text = WithClosingDelimiter(text, boundary, repaired);
   int pieces = 0;
   if (mime::GetMultiPartNoInAttachFile(text, boundary, &pieces) != mime::kWalkDone) {
     return std::nullopt;
@@ -69,6 +84,20 @@ std::optional<mime::PartRecordSet> CutMessage(const char* text, const CString& b
   std::optional<mime::PartRecordSet> records(std::in_place, pieces);
   mime::GetMultiPart(text, boundary, records->data());
   return records;
+}
+
+bool VisitMarkedParts(const char* text, const CString& boundary, std::string& repaired,
+                      const std::function<void(const PartRecord&, const mime::Piece&)>& visit) {
+  text = WithClosingDelimiter(text, boundary, repaired);
+  int result = mime::WalkMultipart(text, boundary, [&](const mime::Piece& piece) {
+    PartRecord record;
+    record.partText = CopyOfPiece(piece);
+    if (record.partText == nullptr) return false;  // as a listing whose copy failed: it stops
+    MarkAttachment(record);
+    visit(record, piece);
+    return true;
+  });
+  return result != mime::kWalkNoDelimiterBuffers;
 }
 
 int FillAttachmentRecords(PartRecord** records, int count, AttachmentList& list) {

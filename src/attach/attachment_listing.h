@@ -6,9 +6,12 @@
 #include <mailslice/cstring.h>
 #include <mailslice/part_record.h>
 
+#include <functional>
 #include <optional>
+#include <string>
 
 #include "attach/attachment_list.h"
+#include "mime/multipart_walker.h"
 #include "mime/part_record_set.h"
 
 namespace mailslice::attach {
@@ -24,6 +27,14 @@ int ListAttachments(const char* text, CString& names, int* count, AttachmentList
 // cut off before its closing delimiter is repaired on a private copy first. Nothing when the
 // text cannot be walked.
 std::optional<mime::PartRecordSet> CutMessage(const char* text, const CString& boundary);
+
+// Cuts the message text at `boundary` exactly as a listing does and hands each piece, with its
+// record marked and named, to `visit` in order. A message cut off before its closing delimiter
+// is repaired into `repaired` first, and its pieces then lie there. Only the piece at hand is
+// copied, so a listing never holds a second copy of the whole message. False when the text
+// cannot be walked.
+bool VisitMarkedParts(const char* text, const CString& boundary, std::string& repaired,
+                      const std::function<void(const PartRecord&, const mime::Piece&)>& visit);
 
 // Marks and names the attachments among records 0 .. count - 1 and rebuilds `list` from them
 // (record 0 is looked at even when count is 0). Returns the number of names listed.

@@ -6,23 +6,38 @@
 
 namespace mailslice::attach {
 
-RecentAttachments::Key RecentAttachments::KeyOf(const char* text, const CString& fallbackBoundary) {
-  return Key{text == nullptr ? std::string() : std::string(text), fallbackBoundary,
-             platform::LanguageCode(), platform::AnsiCodePageName()};
+bool RecentAttachments::IsPrevious(const char* text, const CString& fallbackBoundary,
+                                   std::optional<uint64_t> loadedMessage) const {
+  if (!key_ || text == nullptr || key_->fallbackBoundary != fallbackBoundary ||
+      key_->language != platform::LanguageCode() ||
+      key_->codePage != platform::AnsiCodePageName()) {
+    return false;
+  }
+  if (loadedMessage || key_->loadedMessage) {
+    return key_->loadedMessage == loadedMessage && key_->address == text;
+  }
+  // One pass, never past the text's end.
+  return std::strncmp(text, key_->copy.c_str(), key_->copy.size()) == 0 &&
+         text[key_->copy.size()] == '\0';
 }
 
-const MessageAttachments& RecentAttachments::Of(const char* text, const CString& fallbackBoundary) {
-  bool same = key_ && text != nullptr && key_->fallbackBoundary == fallbackBoundary &&
-              key_->language == platform::LanguageCode() &&
-              key_->codePage == platform::AnsiCodePageName() &&
-              std::strncmp(text, key_->text.c_str(), key_->text.size()) == 0 &&
-              text[key_->text.size()] == '\0';  // one pass, never past the text's end
-  if (!same) {
+const MessageAttachments& RecentAttachments::Of(const char* text, const CString& fallbackBoundary,
+                                                std::optional<uint64_t> loadedMessage) {
+  if (!IsPrevious(text, fallbackBoundary, loadedMessage)) {
     // The old listing goes first, so that two listings never take memory at once.
-    key_.reset();
     attachments_.reset();
+    key_.reset();
+    if (text == nullptr) {
+      attachments_ = std::make_unique<MessageAttachments>(nullptr, fallbackBoundary);
+      return *attachments_;
+    }
+    key_.emplace(Key{loadedMessage, text, std::string(), fallbackBoundary, platform::LanguageCode(),
+                     platform::AnsiCodePageName()});
+    if (!loadedMessage) {
+      key_->copy = text;
+      text = key_->copy.c_str();
+    }
     attachments_ = std::make_unique<MessageAttachments>(text, fallbackBoundary);
-    if (text != nullptr) key_ = KeyOf(text, fallbackBoundary);
   }
   return *attachments_;
 }

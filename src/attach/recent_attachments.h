@@ -7,6 +7,7 @@
 
 #include <mailslice/cstring.h>
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -21,16 +22,27 @@ class RecentAttachments {
   // are made again unless the text, the fallback boundary and the device settings that name
   // attachments (language and code page) are those of the previous call; the result stays
   // valid until the next call.
-  const MessageAttachments& Of(const char* text, const CString& fallbackBoundary);
+  //
+  // `loadedMessage` identifies the library's own loaded message when `text` is that buffer
+  // (a number that changes with every load and free): the library's buffer is only read, so
+  // while it holds the same message its listing is reused without reading it again. Any other
+  // text is compared with a private copy of the previous one.
+  const MessageAttachments& Of(const char* text, const CString& fallbackBoundary,
+                               std::optional<uint64_t> loadedMessage = std::nullopt);
 
  private:
   struct Key {
-    std::string text;  // a copy: the caller may load another message into the same buffer
+    std::optional<uint64_t> loadedMessage;
+    const char* address = nullptr;
+    // A copy of a text the caller owns: the caller may load another message into the same
+    // buffer. The attachments found point into it.
+    std::string copy;
     CString fallbackBoundary;
     int language = 0;
     std::string codePage;
   };
-  static Key KeyOf(const char* text, const CString& fallbackBoundary);
+  bool IsPrevious(const char* text, const CString& fallbackBoundary,
+                  std::optional<uint64_t> loadedMessage) const;
 
   std::optional<Key> key_;
   std::unique_ptr<MessageAttachments> attachments_;
