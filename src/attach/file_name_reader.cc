@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "codec/encoded_word.h"
+#include "codec/substring_search.h"
 #include "platform/code_page.h"
 
 namespace mailslice::attach {
@@ -170,8 +171,9 @@ struct Continuation {
 std::map<int, Continuation> ExtendedPieces(const char* text) {
   std::map<int, Continuation> pieces;
   std::string_view whole(text);
-  for (size_t found = whole.find(kExtendedParameter); found != std::string_view::npos;
-       found = whole.find(kExtendedParameter, found + 1)) {
+  for (size_t found = codec::FindSubstring(whole, kExtendedParameter);
+       found != std::string_view::npos;
+       found = codec::FindSubstring(whole, kExtendedParameter, found + 1)) {
     const char* cursor = text + found + kExtendedParameter.size();
     int number = -1;
     if (*cursor >= '0' && *cursor <= '9') {

@@ -3,6 +3,8 @@
 #include <cstring>
 #include <string_view>
 
+#include "codec/substring_search.h"
+
 namespace mailslice::mime {
 namespace {
 
@@ -16,8 +18,8 @@ constexpr const char* kFileNameSpellings[] = {
 
 int CountOccurrences(std::string_view text, std::string_view marker) {
   int count = 0;
-  for (size_t at = text.find(marker); at != std::string_view::npos;
-       at = text.find(marker, at + 1)) {
+  for (size_t at = codec::FindSubstring(text, marker); at != std::string_view::npos;
+       at = codec::FindSubstring(text, marker, at + 1)) {
     ++count;
   }
   return count;

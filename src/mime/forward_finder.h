@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+#include "codec/substring_search.h"
+
 namespace mailslice::mime {
 
 class ForwardFinder {
@@ -33,8 +35,8 @@ class ForwardFinder {
  private:
   const char* Search(const char* from) const {
     size_t start = static_cast<size_t>(from - text_.data());
-    for (size_t at = text_.find(needle_, start); at != std::string_view::npos;
-         at = text_.find(needle_, at + 1)) {
+    for (size_t at = codec::FindSubstring(text_, needle_, start); at != std::string_view::npos;
+         at = codec::FindSubstring(text_, needle_, at + 1)) {
       if (!accept_ || accept_(text_.data() + at)) return text_.data() + at;
     }
     return nullptr;

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "codec/substring_search.h"
 #include "mime/content_type_rules.h"
 #include "platform/code_page.h"
 
@@ -50,8 +51,8 @@ const char* LineEndBehind(const char* valueStart) {
 template <typename Accept>
 const char* FindAccepted(std::string_view text, const char* from, std::string_view needle,
                          Accept accept) {
-  for (size_t at = text.find(needle, static_cast<size_t>(from - text.data()));
-       at != std::string_view::npos; at = text.find(needle, at + 1)) {
+  for (size_t at = codec::FindSubstring(text, needle, static_cast<size_t>(from - text.data()));
+       at != std::string_view::npos; at = codec::FindSubstring(text, needle, at + 1)) {
     if (accept(text.data() + at)) return text.data() + at;
   }
   return nullptr;

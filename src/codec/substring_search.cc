@@ -1,0 +1,64 @@
+#include "codec/substring_search.h"
+
+#include <cstring>
+
+#if defined(__x86_64__) && (defined(__GNUC__) || defined(__clang__))
+#define MAILSLICE_SEARCH_AVX2 1
+#include <immintrin.h>
+#endif
+
+namespace mailslice::codec {
+namespace {
+
+constexpr size_t npos = std::string_view::npos;
+
+#ifdef MAILSLICE_SEARCH_AVX2
+constexpr size_t kBlock = 32;
+
+// Wojciech Muła's filter: 32 places at a time, a place is a candidate when the needle's first
+// and last bytes both match there; only candidates are compared in full. Returns the first
+// match at or after `from` among the places that whole blocks cover, and sets *scanned to the
+// first place it did not look at.
+__attribute__((target("avx2"))) size_t FindAvx2(std::string_view text, std::string_view needle,
+                                                size_t from, size_t* scanned) {
+  const size_t last = needle.size() - 1;
+  const __m256i first = _mm256_set1_epi8(needle.front());
+  const __m256i final = _mm256_set1_epi8(needle.back());
+  size_t at = from;
+  for (; at + last + kBlock <= text.size(); at += kBlock) {
+    __m256i starts = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(text.data() + at));
+    __m256i ends = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(text.data() + at + last));
+    auto candidates = static_cast<unsigned>(_mm256_movemask_epi8(
+        _mm256_and_si256(_mm256_cmpeq_epi8(starts, first), _mm256_cmpeq_epi8(ends, final))));
+    while (candidates != 0) {
+      size_t place = at + static_cast<size_t>(__builtin_ctz(candidates));
+      if (std::memcmp(text.data() + place + 1, needle.data() + 1, last) == 0) return place;
+      candidates &= candidates - 1;
+    }
+  }
+  *scanned = at;
+  return npos;
+}
+
+bool HaveAvx2() {
+  static const bool have = __builtin_cpu_supports("avx2");
+  return have;
+}
+#endif
+
+}  // namespace
+
+size_t FindSubstring(std::string_view text, std::string_view needle, size_t from) {
+  if (needle.size() < 2 || from >= text.size()) return text.find(needle, from);
+#ifdef MAILSLICE_SEARCH_AVX2
+  if (HaveAvx2()) {
+    size_t scanned = from;
+    size_t found = FindAvx2(text, needle, from, &scanned);
+    if (found != npos) return found;
+    from = scanned;
+  }
+#endif
+  return text.find(needle, from);
+}
+
+}  // namespace mailslice::codec
