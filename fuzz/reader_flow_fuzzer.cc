@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "datetime/date_display.h"
 #include "fuzz_input.h"
@@ -75,6 +76,27 @@ void SaveAttachments(const char* text) {
   AttachArrayRemoveall();
 }
 
+std::vector<CString> ListedNames(const char* text) {
+  CString names;
+  int count = 0;
+  GetAttachFile(text, names, &count);
+  std::vector<CString> listed;
+  for (int index = 0; index < GetAttachArrayCount(); ++index) {
+    listed.push_back(GetAttachArrayFile(index));
+  }
+  return listed;
+}
+
+// The loaded message is read in place, any other text through copies: the two must agree.
+void CompareWithCopy(const char* text) {
+  std::string copy(text);
+  int inPlaceFlag = 0, copiedFlag = 0;
+  CString inPlace = GetReadingBody(text, &inPlaceFlag, u"", 0, 0, 0);
+  CString copied = GetReadingBody(copy.c_str(), &copiedFlag, u"", 0, 0, 0);
+  Require(inPlace == copied && inPlaceFlag == copiedFlag, "the body read in place is the copy's");
+  Require(ListedNames(text) == ListedNames(copy.c_str()), "the list in place is the copy's");
+}
+
 void CheckReadState(const CString& path) {
   char* whole = OpeningMail(path);
   Require(whole != nullptr, "OpeningMail reads an existing file");
@@ -102,6 +124,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     ShowHeaders();
     ShowDate();
     ShowBody(text, saveHtml);
+    CompareWithCopy(text);
     SaveAttachments(text);
     Require(GetMessageText() == text && loaded.compare(0, loaded.size(), text, loaded.size()) == 0,
             "the message buffer is never written or moved");

@@ -1,4 +1,5 @@
 // The main parser's attachment listing and its attachment list.
+#include "api/instances.h"
 #include "api/mail_parser.h"
 #include "attach/attachment_listing.h"
 #include "mime/attachment_markers.h"
@@ -10,7 +11,7 @@ int MailParser::GetAttachNumber(const char* text) const {
 }
 
 int MailParser::GetAttachFile(const char* text, CString& names, int* count) {
-  return attach::ListAttachments(text, names, count, attachments_);
+  return attach::ListAttachments({text, MessageBuffer().Holds(text)}, names, count, attachments_);
 }
 
 int MailParser::GetMultiPartAttachInfo(PartRecord** records, int count) {

@@ -1,4 +1,5 @@
 // The main parser's readable body.
+#include "api/instances.h"
 #include "api/mail_parser.h"
 #include "mime/body_extraction.h"
 #include "mime/html_body.h"
@@ -10,11 +11,13 @@ mime::HtmlArguments Html(const CString& name, int html1, int html2, int html3) {
   return mime::HtmlArguments{name, html1, html2, html3};
 }
 
+mime::WalkedText Walked(const char* text) { return {text, MessageBuffer().Holds(text)}; }
+
 }  // namespace
 
 CString MailParser::GetReadingBody(const char* text, int* alternative, const CString& htmlName,
                                    int html1, int html2, int html3) const {
-  return mime::GetReadingBody(text, alternative, Html(htmlName, html1, html2, html3));
+  return mime::GetReadingBody(Walked(text), alternative, Html(htmlName, html1, html2, html3));
 }
 
 CString MailParser::GetBodyFromNoBoundary(const char* text, const CString& htmlName, int html1,
@@ -25,7 +28,7 @@ CString MailParser::GetBodyFromNoBoundary(const char* text, const CString& htmlN
 CString MailParser::GetBodyFromIsBoundary(const char* text, const CString& boundary,
                                           int* alternative, const CString& htmlName, int html1,
                                           int html2, int html3) const {
-  return mime::GetBodyFromIsBoundary(text, boundary, alternative,
+  return mime::GetBodyFromIsBoundary(Walked(text), boundary, alternative,
                                      Html(htmlName, html1, html2, html3));
 }
 

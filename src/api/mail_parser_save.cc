@@ -27,7 +27,7 @@ int MailParser::IsFile(int /*unused*/, CString& path) const {
 int MailParser::SaveAttachedFile(const char* text, const CString& altName, const CString& destPath,
                                  const CString& boundary, const CString& fileName) const {
   std::optional<uint64_t> loadedMessage;
-  if (text != nullptr && text == MessageBuffer().GetMessageText()) {
+  if (MessageBuffer().Holds(text)) {
     loadedMessage = MessageBuffer().generation();
   }
   const attach::AttachmentPart* part =

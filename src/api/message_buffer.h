@@ -41,6 +41,9 @@ class MessageBufferHolder {
   CString GetDelivered3() const;
   // The buffer itself, owned by the holder; null when no message is loaded.
   char* GetMessageText() const { return text_; }
+  // Whether `text` is the loaded message itself, which the library may end in place for a
+  // while (a caller's text is never written).
+  bool Holds(const char* text) const { return text != nullptr && text == text_; }
   // Changes with every load and free, so that what was learnt of one message is never taken
   // for the next one loaded at the same address.
   uint64_t generation() const { return generation_; }

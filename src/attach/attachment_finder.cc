@@ -21,7 +21,8 @@ const AttachmentPart* FindByName(const std::vector<AttachmentPart>& parts, const
 
 }  // namespace
 
-MessageAttachments::MessageAttachments(const char* text, const CString& fallbackBoundary) {
+MessageAttachments::MessageAttachments(mime::WalkedText message, const CString& fallbackBoundary) {
+  const char* text = message.text;
   // A message without any attachment marker lists nothing, so it has nothing to find either.
   if (text == nullptr || mime::CountAttachmentMarkers(text) <= 0) return;
   CString boundary;

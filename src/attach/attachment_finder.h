@@ -25,9 +25,9 @@ struct AttachmentPart {
 class MessageAttachments {
  public:
   // `fallbackBoundary` is used only when the message declares no boundary of its own. The
-  // bodies point into `text`, which must stay as it is while the object lives (or into the
-  // object's own repaired copy of a message cut off before its closing delimiter).
-  MessageAttachments(const char* text, const CString& fallbackBoundary);
+  // bodies point into the message text, which must stay as it is while the object lives (or
+  // into the object's own repaired copy of a message cut off before its closing delimiter).
+  MessageAttachments(mime::WalkedText message, const CString& fallbackBoundary);
   MessageAttachments(const MessageAttachments&) = delete;
   MessageAttachments& operator=(const MessageAttachments&) = delete;
 

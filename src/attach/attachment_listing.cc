@@ -38,16 +38,6 @@ void MarkAttachment(PartRecord& record) {
   }
 }
 
-// A malloc'd, NUL-terminated copy, as a part record holds it; null when memory runs out.
-char* CopyOfPiece(const mime::Piece& piece) {
-  auto length = static_cast<size_t>(piece.end - piece.begin);
-  auto* copy = static_cast<char*>(std::malloc(length + 1));
-  if (copy == nullptr) return nullptr;
-  std::memcpy(copy, piece.begin, length);
-  copy[length] = '\0';
-  return copy;
-}
-
 // A message cut off before its closing delimiter gets "\r\n", the boundary and "--" at its
 // end, on a copy.
 const char* WithClosingDelimiter(const char* text, const CString& boundary, std::string& repaired) {
@@ -59,7 +49,8 @@ const char* WithClosingDelimiter(const char* text, const CString& boundary, std:
 
 }  // namespace
 
-int ListAttachments(const char* text, CString& names, int* count, AttachmentList& list) {
+int ListAttachments(mime::WalkedText message, CString& names, int* count, AttachmentList& list) {
+  const char* text = message.text;
   list.RemoveAll();
   if (mime::CountAttachmentMarkers(text) <= 0) return 0;
   names.Empty();
@@ -67,10 +58,10 @@ int ListAttachments(const char* text, CString& names, int* count, AttachmentList
   if (mime::GetBoundary(text, boundary, nullptr) == 0) return 1;
   if (count != nullptr) *count = 0;
   std::string repaired;
-  bool walked =
-      VisitMarkedParts(text, boundary, repaired, [&](const PartRecord& record, const mime::Piece&) {
-        if (record.kind == kAttachment) list.Add(record.fileName);
-      });
+  bool walked = VisitMarkedParts(message, boundary, repaired,
+                                 [&](const PartRecord& record, const mime::Piece&) {
+                                   if (record.kind == kAttachment) list.Add(record.fileName);
+                                 });
   return walked ? 1 : 0;
 }
 
@@ -86,13 +77,20 @@ std::optional<mime::PartRecordSet> CutMessage(const char* text, const CString& b
   return records;
 }
 
-bool VisitMarkedParts(const char* text, const CString& boundary, std::string& repaired,
+bool VisitMarkedParts(mime::WalkedText message, const CString& boundary, std::string& repaired,
                       const std::function<void(const PartRecord&, const mime::Piece&)>& visit) {
-  text = WithClosingDelimiter(text, boundary, repaired);
+  const char* text = WithClosingDelimiter(message.text, boundary, repaired);
+  if (text != message.text) message = {text, true};
+  mime::PieceTexts pieces(message);
   int result = mime::WalkMultipart(text, boundary, [&](const mime::Piece& piece) {
+    mime::PieceTexts::Lent part = pieces.Of(piece);
     PartRecord record;
-    record.partText = CopyOfPiece(piece);
-    if (record.partText == nullptr) return false;  // as a listing whose copy failed: it stops
+    // The record reads the piece where it lies; the text is not the record's to free.
+    record.partText = const_cast<char*>(part.text());
+    struct Returned {
+      PartRecord& record;
+      ~Returned() { record.partText = nullptr; }
+    } returned{record};
     MarkAttachment(record);
     visit(record, piece);
     return true;

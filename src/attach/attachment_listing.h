@@ -13,6 +13,7 @@
 #include "attach/attachment_list.h"
 #include "mime/multipart_walker.h"
 #include "mime/part_record_set.h"
+#include "mime/piece_text.h"
 
 namespace mailslice::attach {
 
@@ -21,7 +22,7 @@ namespace mailslice::attach {
 // but no boundary, which lists nothing). `names` is emptied and `*count` set to 0; the names
 // are read back from the list. The caller's text is never written: a missing closing
 // delimiter is repaired on a private copy.
-int ListAttachments(const char* text, CString& names, int* count, AttachmentList& list);
+int ListAttachments(mime::WalkedText message, CString& names, int* count, AttachmentList& list);
 
 // Cuts the message text at `boundary` into part records exactly as a listing does: a message
 // cut off before its closing delimiter is repaired on a private copy first. Nothing when the
@@ -31,9 +32,9 @@ std::optional<mime::PartRecordSet> CutMessage(const char* text, const CString& b
 // Cuts the message text at `boundary` exactly as a listing does and hands each piece, with its
 // record marked and named, to `visit` in order. A message cut off before its closing delimiter
 // is repaired into `repaired` first, and its pieces then lie there. Only the piece at hand is
-// copied, so a listing never holds a second copy of the whole message. False when the text
-// cannot be walked.
-bool VisitMarkedParts(const char* text, const CString& boundary, std::string& repaired,
+// lent (ended in place in a text the library owns, else copied), so a listing never holds a
+// second copy of the whole message. False when the text cannot be walked.
+bool VisitMarkedParts(mime::WalkedText message, const CString& boundary, std::string& repaired,
                       const std::function<void(const PartRecord&, const mime::Piece&)>& visit);
 
 // Marks and names the attachments among records 0 .. count - 1 and rebuilds `list` from them

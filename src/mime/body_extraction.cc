@@ -8,12 +8,13 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "mime/attachment_markers.h"
 #include "mime/body_decoding.h"
 #include "mime/header_parameters.h"
 #include "mime/multipart_walker.h"
-#include "mime/part_record_set.h"
+#include "mime/piece_text.h"
 #include "platform/code_page.h"
 
 namespace mailslice::mime {
@@ -60,23 +61,20 @@ CString EmbeddedMessageLine() {
   return messages.GetMessageW(kEmbeddedMessageMessage) + u"\r\n";
 }
 
-CString WidenedRecordText(const char* text) {
-  return text == nullptr ? CString() : CString(platform::AnsiToWide(text));
-}
-
 // One walk over a message's parts, carrying the alternative flag and the HTML arguments.
 class BodyWalk {
  public:
   BodyWalk(int* alternative, const HtmlArguments& html) : alternative_(*alternative), html_(html) {}
 
-  void FromMultipart(CString& result, const char* text, const CString& boundary);
+  void FromMultipart(CString& result, WalkedText text, const CString& boundary);
   CString FromSinglePart(const char* text) const;
 
  private:
-  void ProcessPart(CString& result, const char* part, const CString& boundary);
-  void Nested(CString& result, const char* part, const CString& boundary);
-  void EmbeddedMessage(CString& result, const char* part);
-  void Join(CString& result, PartRecordSet& records, int count, const CString& boundary);
+  void ProcessPart(CString& result, WalkedText part, const CString& boundary);
+  void Nested(CString& result, WalkedText part, const CString& boundary);
+  void EmbeddedMessage(CString& result, WalkedText part);
+  void Join(CString& result, WalkedText text, const std::vector<Piece>& pieces,
+            const CString& boundary);
 
   int& alternative_;
   const HtmlArguments& html_;
@@ -98,77 +96,81 @@ CString BodyWalk::FromSinglePart(const char* text) const {
   return decoded;
 }
 
-void BodyWalk::FromMultipart(CString& result, const char* text, const CString& boundary) {
+void BodyWalk::FromMultipart(CString& result, WalkedText text, const CString& boundary) {
   // A message cut off before its closing delimiter gets one, on a private copy.
   std::string closing = platform::WideToAnsi((boundary + u"--").Str());
   std::string repaired;
-  if (std::strstr(text, closing.c_str()) == nullptr) {
-    repaired = std::string(text) + "\r\n--" + closing;
-    text = repaired.c_str();
+  if (std::strstr(text.text, closing.c_str()) == nullptr) {
+    repaired = std::string(text.text) + "\r\n--" + closing;
+    text = {repaired.c_str(), true};
   }
-  int count = 0;
-  GetMultiPartNoInAttachFile(text, boundary, &count);
-  PartRecordSet records(count);
-  if (GetMultiPart(text, boundary, records.data()) != kWalkDone) {
+  std::vector<Piece> pieces;
+  if (WalkMultipart(text.text, boundary, [&](const Piece& piece) {
+        pieces.push_back(piece);
+        return true;
+      }) != kWalkDone) {
     result.Empty();  // not multipart after all
     return;
   }
+  int count = static_cast<int>(pieces.size());
   if (alternative_ != 0 && count <= 2) alternative_ = 0;
   if (count == 0) {
-    result = WidenedRecordText(records[0].partText);
+    result.Empty();
     return;
   }
-  Join(result, records, count, boundary);
+  Join(result, text, pieces, boundary);
 }
 
 // The first part's text becomes the result; each further one is added after an empty line,
 // except that of a plain and an HTML alternative the HTML one is shown (Apple Mail sends
 // the two as parts to be shown one after the other, so there both are kept).
-void BodyWalk::Join(CString& result, PartRecordSet& records, int count, const CString& boundary) {
+void BodyWalk::Join(CString& result, WalkedText text, const std::vector<Piece>& pieces,
+                    const CString& boundary) {
+  PieceTexts parts(text);
   bool hasPlain = false, hasHtml = false;
-  for (int i = 0; i < count; ++i) {
-    CString contentType = Lower(GetContentType(records[i].partText, 1));
+  for (const Piece& piece : pieces) {
+    CString contentType = Lower(GetContentType(parts.Of(piece).text(), 1));
     hasPlain = hasPlain || contentType == u"text/plain";
     hasHtml = hasHtml || contentType == u"text/html";
   }
-  ProcessPart(result, records[0].partText, boundary);
+  ProcessPart(result, parts.Of(pieces[0]).walked(), boundary);
   bool appleMail = Lower(boundary).Find(u"apple-mail") >= 0;
-  for (int i = 1; i < count; ++i) {
-    if (records[i].kind == 'A') continue;
+  for (size_t i = 1; i < pieces.size(); ++i) {
     if (alternative_ != 0 && i == 1) {
       alternative_ = 0;  // the first alternative was taken
       continue;
     }
-    CString part;
-    ProcessPart(part, records[i].partText, boundary);
-    if (!part.IsEmpty()) result += u"\r\n\r\n";
+    PieceTexts::Lent part = parts.Of(pieces[i]);
+    CString shown;
+    ProcessPart(shown, part.walked(), boundary);
+    if (!shown.IsEmpty()) result += u"\r\n\r\n";
     if (!(hasPlain && hasHtml)) {
-      result += part;
-    } else if (Lower(GetContentType(records[i].partText, 0)) == u"text/html") {
+      result += shown;
+    } else if (Lower(GetContentType(part.text(), 0)) == u"text/html") {
       if (result.IsEmpty() || !appleMail) {
-        result = part;
+        result = shown;
       } else {
-        result += part;
+        result += shown;
       }
     }
   }
 }
 
-void BodyWalk::Nested(CString& result, const char* part, const CString& boundary) {
+void BodyWalk::Nested(CString& result, WalkedText part, const CString& boundary) {
   if (depth_ >= kDeepestContainer) return;
   ++depth_;
   FromMultipart(result, part, boundary);
   --depth_;
 }
 
-void BodyWalk::EmbeddedMessage(CString& result, const char* part) {
+void BodyWalk::EmbeddedMessage(CString& result, WalkedText part) {
   CString boundary;
-  if (GetBoundary(part, boundary, nullptr) == 1) {
+  if (GetBoundary(part.text, boundary, nullptr) == 1) {
     Nested(result, part, boundary);
     if (!result.IsEmpty()) result = EmbeddedMessageLine() + result;
     return;
   }
-  const char* message = AfterEmptyLine(part);
+  const char* message = AfterEmptyLine(part.text);
   if (message == nullptr) return;
   CString contentType = GetContentType(message, 1);
   if (contentType.Right(1) == u";") contentType = contentType.Left(contentType.GetLength() - 1);
@@ -177,21 +179,22 @@ void BodyWalk::EmbeddedMessage(CString& result, const char* part) {
   if (result.Right(2) == u"--") result = result.Left(result.GetLength() - 2);
 }
 
-void BodyWalk::ProcessPart(CString& result, const char* part, const CString& boundary) {
+void BodyWalk::ProcessPart(CString& result, WalkedText walked, const CString& boundary) {
+  const char* part = walked.text;
   if (part == nullptr) return;
   CString contentType = Lower(GetContentType(part, 1));
   if (contentType == u"multipart/digest" || contentType == u"multipart/related") {
     CString nested;
     if (GetBoundary(part, nested, nullptr) == 0) nested = boundary;
-    Nested(result, part, nested);
+    Nested(result, walked, nested);
     return;
   }
-  if (contentType == u"message/rfc822") return EmbeddedMessage(result, part);
+  if (contentType == u"message/rfc822") return EmbeddedMessage(result, walked);
   if (contentType == u"multipart/alternative" || contentType == u"multipart/mixed") {
     alternative_ = 1;
     CString nested;
     GetBoundary(part, nested, nullptr);
-    Nested(result, part, nested);
+    Nested(result, walked, nested);
     return;
   }
   if (contentType == u"audio/wav") return;  // sound is not read out
@@ -218,7 +221,8 @@ void BodyWalk::ProcessPart(CString& result, const char* part, const CString& bou
 
 }  // namespace
 
-CString GetReadingBody(const char* text, int* alternative, const HtmlArguments& html) {
+CString GetReadingBody(WalkedText message, int* alternative, const HtmlArguments& html) {
+  const char* text = message.text;
   int localFlag = 0;
   int* flag = alternative != nullptr ? alternative : &localFlag;
   CString boundary;
@@ -227,7 +231,7 @@ CString GetReadingBody(const char* text, int* alternative, const HtmlArguments& 
   BodyWalk walk(flag, html);
   if (!multipart) return walk.FromSinglePart(text);
   CString result;
-  walk.FromMultipart(result, text, boundary);
+  walk.FromMultipart(result, message, boundary);
   return result;
 }
 
@@ -236,13 +240,13 @@ CString GetBodyFromNoBoundary(const char* text, const HtmlArguments& html) {
   return BodyWalk(&flag, html).FromSinglePart(text);
 }
 
-CString GetBodyFromIsBoundary(const char* text, const CString& boundary, int* alternative,
+CString GetBodyFromIsBoundary(WalkedText message, const CString& boundary, int* alternative,
                               const HtmlArguments& html) {
-  if (text == nullptr) return CString();
+  if (message.text == nullptr) return CString();
   int localFlag = 0;
   CString result;
   BodyWalk(alternative != nullptr ? alternative : &localFlag, html)
-      .FromMultipart(result, text, boundary);
+      .FromMultipart(result, message, boundary);
   return result;
 }
 

@@ -6,12 +6,14 @@
 #include <mailslice/cstring.h>
 
 #include "mime/html_body.h"
+#include "mime/piece_text.h"
 
 namespace mailslice::mime {
 
 // The readable body of a whole message text. `alternative` (may be null) receives the
-// alternative flag as the walk leaves it.
-CString GetReadingBody(const char* text, int* alternative, const HtmlArguments& html);
+// alternative flag as the walk leaves it. A caller's text is never written; the library's own
+// loaded message may have its parts ended in place while they are read.
+CString GetReadingBody(WalkedText message, int* alternative, const HtmlArguments& html);
 
 // The readable body of a text without a boundary.
 CString GetBodyFromNoBoundary(const char* text, const HtmlArguments& html);
@@ -19,7 +21,7 @@ CString GetBodyFromNoBoundary(const char* text, const HtmlArguments& html);
 // The readable body of a multipart text cut at `boundary`; `alternative` (may be null) is the
 // flag carried through the walk. The caller's text is never written: a missing closing
 // delimiter is repaired on a private copy.
-CString GetBodyFromIsBoundary(const char* text, const CString& boundary, int* alternative,
+CString GetBodyFromIsBoundary(WalkedText message, const CString& boundary, int* alternative,
                               const HtmlArguments& html);
 
 // The text behind the first empty line, in a new malloc'd buffer; null without an empty line.
