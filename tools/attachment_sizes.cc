@@ -27,7 +27,8 @@ std::optional<uint64_t> DecodedSize(const attach::AttachmentPart& part,
 }  // namespace
 
 std::vector<SizedAttachment> SizedAttachments() {
-  attach::MessageAttachments attachments(GetMessageText(), CString());
+  // The loaded message: the library reads its parts in place.
+  attach::MessageAttachments attachments(mime::WalkedText(GetMessageText(), true), CString());
   std::optional<PrivateFolder> folder;
   if (!attachments.parts().empty()) folder = PrivateFolder::Make();
   std::vector<SizedAttachment> sized;

@@ -120,7 +120,8 @@ int SaveAttachments(SaveRequest& request) {
   }
   if (auto problem = LoadMessage(request.file)) return Fail(request.file, *problem);
   LoadedMessage loaded;
-  attach::MessageAttachments attachments(GetMessageText(), CString());
+  // The loaded message: the library reads its parts in place.
+  attach::MessageAttachments attachments(mime::WalkedText(GetMessageText(), true), CString());
   auto chosen = Chosen(attachments, request);
   return chosen ? SaveChosen(*chosen, request.folder) : kStatusNotFound;
 }

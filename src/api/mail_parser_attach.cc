@@ -11,7 +11,8 @@ int MailParser::GetAttachNumber(const char* text) const {
 }
 
 int MailParser::GetAttachFile(const char* text, CString& names, int* count) {
-  return attach::ListAttachments({text, MessageBuffer().Holds(text)}, names, count, attachments_);
+  return attach::ListAttachments(mime::WalkedText(text, MessageBuffer().Holds(text)), names, count,
+                                 attachments_);
 }
 
 int MailParser::GetMultiPartAttachInfo(PartRecord** records, int count) {

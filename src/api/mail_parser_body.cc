@@ -11,7 +11,9 @@ mime::HtmlArguments Html(const CString& name, int html1, int html2, int html3) {
   return mime::HtmlArguments{name, html1, html2, html3};
 }
 
-mime::WalkedText Walked(const char* text) { return {text, MessageBuffer().Holds(text)}; }
+mime::WalkedText Walked(const char* text) {
+  return mime::WalkedText(text, MessageBuffer().Holds(text));
+}
 
 }  // namespace
 

@@ -29,7 +29,7 @@ MessageAttachments::MessageAttachments(mime::WalkedText message, const CString& 
   if (mime::GetBoundary(text, boundary, nullptr) == 0) boundary = fallbackBoundary;
   if (boundary.IsEmpty()) return;
   VisitMarkedParts(
-      text, boundary, repaired_, [&](const PartRecord& record, const mime::Piece& piece) {
+      message, boundary, repaired_, [&](const PartRecord& record, const mime::Piece& piece) {
         if (record.kind != kAttachment) return;
         // The body as found in the record's copy, at the same place in the text.
         std::string_view body = PartBody(record.partText);

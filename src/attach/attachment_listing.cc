@@ -80,7 +80,7 @@ std::optional<mime::PartRecordSet> CutMessage(const char* text, const CString& b
 bool VisitMarkedParts(mime::WalkedText message, const CString& boundary, std::string& repaired,
                       const std::function<void(const PartRecord&, const mime::Piece&)>& visit) {
   const char* text = WithClosingDelimiter(message.text, boundary, repaired);
-  if (text != message.text) message = {text, true};
+  if (text != message.text) message = mime::WalkedText(text, true);
   mime::PieceTexts pieces(message);
   int result = mime::WalkMultipart(text, boundary, [&](const mime::Piece& piece) {
     mime::PieceTexts::Lent part = pieces.Of(piece);

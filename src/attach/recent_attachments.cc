@@ -28,7 +28,7 @@ const MessageAttachments& RecentAttachments::Of(const char* text, const CString&
     attachments_.reset();
     key_.reset();
     if (text == nullptr) {
-      attachments_ = std::make_unique<MessageAttachments>(nullptr, fallbackBoundary);
+      attachments_ = std::make_unique<MessageAttachments>(mime::WalkedText(), fallbackBoundary);
       return *attachments_;
     }
     key_.emplace(Key{loadedMessage, text, std::string(), fallbackBoundary, platform::LanguageCode(),
@@ -37,7 +37,9 @@ const MessageAttachments& RecentAttachments::Of(const char* text, const CString&
       key_->copy = text;
       text = key_->copy.c_str();
     }
-    attachments_ = std::make_unique<MessageAttachments>(text, fallbackBoundary);
+    // Either text is the library's own: the loaded message, or the copy.
+    attachments_ =
+        std::make_unique<MessageAttachments>(mime::WalkedText(text, true), fallbackBoundary);
   }
   return *attachments_;
 }

@@ -102,7 +102,7 @@ void BodyWalk::FromMultipart(CString& result, WalkedText text, const CString& bo
   std::string repaired;
   if (std::strstr(text.text, closing.c_str()) == nullptr) {
     repaired = std::string(text.text) + "\r\n--" + closing;
-    text = {repaired.c_str(), true};
+    text = WalkedText(repaired.c_str(), true);
   }
   std::vector<Piece> pieces;
   if (WalkMultipart(text.text, boundary, [&](const Piece& piece) {

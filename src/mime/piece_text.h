@@ -17,7 +17,7 @@ namespace mailslice::mime {
 struct WalkedText {
   WalkedText() = default;
   // A caller's text unless said otherwise.
-  WalkedText(const char* text, bool owned = false) : text(text), owned(owned) {}  // NOLINT
+  explicit WalkedText(const char* text, bool owned = false) : text(text), owned(owned) {}
 
   const char* text = nullptr;
   bool owned = false;  // the library's own buffer: it may be written for a while
@@ -42,7 +42,7 @@ class PieceTexts {
     const char* text() const { return text_; }
     // The piece as a text of its own: the library's either way (the message's piece, or the
     // copy), so a walk over its pieces ends them in place too.
-    WalkedText walked() const { return {text_, true}; }
+    WalkedText walked() const { return WalkedText(text_, true); }
 
    private:
     friend class PieceTexts;

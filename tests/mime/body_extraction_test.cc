@@ -28,7 +28,7 @@ std::string Typed(const std::string& type, const std::string& body) {
 }
 
 CString Read(const std::string& message, int* alternative = nullptr) {
-  return GetReadingBody(message.c_str(), alternative, HtmlArguments{});
+  return GetReadingBody(WalkedText(message.c_str()), alternative, HtmlArguments{});
 }
 
 const std::string kHtml = "<html><body><p>Hello &amp; welcome</p></body></html>";
