@@ -3,6 +3,7 @@
 #include "attach/attachment_listing.h"
 #include "mime/attachment_markers.h"
 #include "mime/header_parameters.h"
+#include "mime/text_memo.h"
 
 namespace mailslice::attach {
 namespace {
@@ -23,6 +24,7 @@ const AttachmentPart* FindByName(const std::vector<AttachmentPart>& parts, const
 
 MessageAttachments::MessageAttachments(mime::WalkedText message, const CString& fallbackBoundary) {
   const char* text = message.text;
+  mime::TextMemo memo(text);  // the message is searched from its start again and again
   // A message without any attachment marker lists nothing, so it has nothing to find either.
   if (text == nullptr || mime::CountAttachmentMarkers(text) <= 0) return;
   CString boundary;

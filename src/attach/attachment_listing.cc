@@ -12,6 +12,7 @@
 #include "mime/attachment_markers.h"
 #include "mime/header_parameters.h"
 #include "mime/multipart_walker.h"
+#include "mime/text_memo.h"
 #include "platform/code_page.h"
 
 namespace mailslice::attach {
@@ -51,6 +52,7 @@ const char* WithClosingDelimiter(const char* text, const CString& boundary, std:
 
 int ListAttachments(mime::WalkedText message, CString& names, int* count, AttachmentList& list) {
   const char* text = message.text;
+  mime::TextMemo memo(text);  // the message is searched from its start again and again
   list.RemoveAll();
   if (mime::CountAttachmentMarkers(text) <= 0) return 0;
   names.Empty();

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "mime/text_memo.h"
 #include "platform/code_page.h"
 
 namespace mailslice::attach {
@@ -10,7 +11,7 @@ namespace mailslice::attach {
 CString ReadDisposition(const char* partText) {
   if (partText == nullptr) return CString();
   for (const char* spelling : {"Content-Disposition:", "Content-disposition:"}) {
-    const char* at = std::strstr(partText, spelling);
+    const char* at = mime::TextMemo::Find(partText, spelling);
     if (at == nullptr) continue;
     const char* value = at + std::strlen(spelling);
     size_t length = std::strcspn(value, ";\r\n");

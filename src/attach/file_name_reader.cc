@@ -8,6 +8,7 @@
 
 #include "codec/encoded_word.h"
 #include "codec/substring_search.h"
+#include "mime/text_memo.h"
 #include "platform/code_page.h"
 
 namespace mailslice::attach {
@@ -170,7 +171,7 @@ struct Continuation {
 // piece -1.
 std::map<int, Continuation> ExtendedPieces(const char* text) {
   std::map<int, Continuation> pieces;
-  std::string_view whole(text);
+  std::string_view whole(text, mime::TextMemo::Length(text));
   for (size_t found = codec::FindSubstring(whole, kExtendedParameter);
        found != std::string_view::npos;
        found = codec::FindSubstring(whole, kExtendedParameter, found + 1)) {
@@ -213,7 +214,7 @@ CString JoinContinuations(const std::map<int, Continuation>& pieces) {
 
 const char* FindSpelling(const char* text, const char*& spelling) {
   for (const char* candidate : kFileNameSpellings) {
-    const char* at = std::strstr(text, candidate);
+    const char* at = mime::TextMemo::Find(text, candidate);
     if (at == nullptr) continue;
     bool metaElement =
         std::strcmp(candidate, "name=") == 0 &&

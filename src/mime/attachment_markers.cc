@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "codec/substring_search.h"
+#include "mime/text_memo.h"
 
 namespace mailslice::mime {
 namespace {
@@ -27,7 +28,7 @@ int CountOccurrences(std::string_view text, std::string_view marker) {
 
 bool ContainsAny(const char* text, const auto& spellings) {
   for (const char* spelling : spellings) {
-    if (std::strstr(text, spelling) != nullptr) return true;
+    if (TextMemo::Find(text, spelling) != nullptr) return true;
   }
   return false;
 }
@@ -38,7 +39,7 @@ int CountAttachmentMarkers(const char* text) {
   if (text == nullptr) return 0;
   int count = 0;
   for (const char* marker : kCountedMarkers) {
-    count = CountOccurrences(text, marker);
+    count = CountOccurrences(std::string_view(text, TextMemo::Length(text)), marker);
     if (count > 0) break;
   }
   return count;

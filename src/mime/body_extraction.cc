@@ -15,6 +15,7 @@
 #include "mime/header_parameters.h"
 #include "mime/multipart_walker.h"
 #include "mime/piece_text.h"
+#include "mime/text_memo.h"
 #include "platform/code_page.h"
 
 namespace mailslice::mime {
@@ -223,6 +224,7 @@ void BodyWalk::ProcessPart(CString& result, WalkedText walked, const CString& bo
 
 CString GetReadingBody(WalkedText message, int* alternative, const HtmlArguments& html) {
   const char* text = message.text;
+  TextMemo memo(text);  // the message is searched from its start again and again
   int localFlag = 0;
   int* flag = alternative != nullptr ? alternative : &localFlag;
   CString boundary;

@@ -6,6 +6,7 @@
 
 #include "codec/substring_search.h"
 #include "mime/content_type_rules.h"
+#include "mime/text_memo.h"
 #include "platform/code_page.h"
 
 namespace mailslice::mime {
@@ -30,7 +31,7 @@ CString Widened(const char* begin, const char* end) {
 // start there to pass over whatever unrelated text comes first.
 const char* MimeVersionLine(const char* origin) {
   for (const char* marker : kMimeVersionMarkers) {
-    if (const char* found = std::strstr(origin, marker)) return found;
+    if (const char* found = TextMemo::Find(origin, marker)) return found;
   }
   return origin;
 }
@@ -59,7 +60,7 @@ const char* FindAccepted(std::string_view text, const char* from, std::string_vi
 }
 
 const char* FindContentTypeField(const char* text, int wholeText) {
-  std::string_view whole(text);
+  std::string_view whole(text, TextMemo::Length(text));
   const char* point = wholeText == 0 ? MimeVersionLine(text) : text;
   while (true) {
     if (const char* found = FindAccepted(whole, point, kContentTypeField, [](const char* at) {
@@ -73,7 +74,7 @@ const char* FindContentTypeField(const char* text, int wholeText) {
       return found;
     }
     // A field before the MIME version line is the last resort.
-    const char* first = std::strstr(text, kContentTypeField.data());
+    const char* first = TextMemo::Find(text, kContentTypeField.data());
     if (first == nullptr) return nullptr;
     if (!StartsWith(first + kContentTypeField.size(), kTransferEncodingName)) return first;
     // Going round again from the same place would find the same field for ever: the text has
@@ -89,7 +90,7 @@ int GetBoundary(const char* text, CString& boundary, int* offset) {
   if (text == nullptr) return 0;
   const char* valueStart = nullptr;
   for (const char* spelling : kBoundarySpellings) {
-    if (const char* found = std::strstr(text, spelling)) {
+    if (const char* found = TextMemo::Find(text, spelling)) {
       valueStart = found + std::strlen(spelling);
       break;
     }
@@ -143,8 +144,8 @@ CString ContentTypeValue(const char* begin, const char* end) {
 
 CString GetCharSet(const char* text) {
   if (text == nullptr) return CString();
-  const char* found = std::strstr(MimeVersionLine(text), kCharset.data());
-  if (found == nullptr) found = std::strstr(text, kCharset.data());
+  const char* found = TextMemo::Find(MimeVersionLine(text), kCharset.data());
+  if (found == nullptr) found = TextMemo::Find(text, kCharset.data());
   if (found == nullptr) return CString();
   const char* valueStart = found + kCharset.size();
   // The end rules compare addresses, a missing ";" counting as address zero: a value is cut
@@ -177,11 +178,11 @@ CString ReadTransferEncoding(const char* text, const char* origin, const char** 
   const char* point = MimeVersionLine(origin);
   const char* field = nullptr;
   while (field == nullptr) {
-    field = std::strstr(point, kTransferEncoding.data());
+    field = TextMemo::Find(point, kTransferEncoding.data());
     if (field != nullptr) break;
-    field = std::strstr(origin, kTransferEncodingLower.data());
+    field = TextMemo::Find(origin, kTransferEncodingLower.data());
     if (field != nullptr) break;
-    field = std::strstr(origin, kTransferEncoding.data());
+    field = TextMemo::Find(origin, kTransferEncoding.data());
     if (field == nullptr) return CString(kDefaultTransferEncoding);
     bool afterEmptyContentType =
         field - text >= static_cast<std::ptrdiff_t>(kContentTypeField.size()) &&

@@ -10,6 +10,7 @@
 #include <string>
 
 #include "mime/multipart_walker.h"
+#include "mime/text_memo.h"
 
 namespace mailslice::mime {
 
@@ -46,12 +47,14 @@ class PieceTexts {
 
    private:
     friend class PieceTexts;
-    Lent(const char* text, char* end) : text_(text), end_(end), saved_(end ? *end : '\0') {
+    Lent(const char* text, char* end)
+        : text_(text), end_(end), saved_(end ? *end : '\0'), memo_(text) {
       if (end_ != nullptr) *end_ = '\0';
     }
     const char* text_;
     char* end_;  // the byte ended in place, or null for a copy
     char saved_;
+    TextMemo memo_;  // the piece cannot change while it is lent
   };
 
   Lent Of(const Piece& piece) {
