@@ -86,7 +86,7 @@ class MailParser {
   attach::AttachmentList attachments_;  // the names of the latest listing
   // The parts of the message whose attachments were saved last: saving the next one of the
   // same message finds it without cutting the message again.
-  mutable attach::RecentAttachments recentlySaved_;
+  mutable attach::RecentAttachments recentAttachments_;
 };
 
 }  // namespace mailslice::api

@@ -11,8 +11,14 @@ int MailParser::GetAttachNumber(const char* text) const {
 }
 
 int MailParser::GetAttachFile(const char* text, CString& names, int* count) {
-  return attach::ListAttachments(mime::WalkedText(text, MessageBuffer().Holds(text)), names, count,
-                                 attachments_);
+  if (MessageBuffer().Holds(text)) {
+    // The loaded message is listed by the walk that finds its attachments for saving, and the
+    // saves that follow reuse it.
+    const attach::MessageAttachments& found =
+        recentAttachments_.Of(text, CString(), MessageBuffer().generation());
+    return attach::ListFound(found, names, count, attachments_);
+  }
+  return attach::ListAttachments(mime::WalkedText(text), names, count, attachments_);
 }
 
 int MailParser::GetMultiPartAttachInfo(PartRecord** records, int count) {

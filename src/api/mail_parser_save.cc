@@ -31,7 +31,7 @@ int MailParser::SaveAttachedFile(const char* text, const CString& altName, const
     loadedMessage = MessageBuffer().generation();
   }
   const attach::AttachmentPart* part =
-      recentlySaved_.Of(text, boundary, loadedMessage).Find(fileName, altName);
+      recentAttachments_.Of(text, boundary, loadedMessage).Find(fileName, altName);
   if (part == nullptr) return attach::kSaveImpossible;
   return attach::SaveBodyByEncoding(part->body, part->transferEncoding, destPath.ToUtf8());
 }

@@ -27,10 +27,12 @@ MessageAttachments::MessageAttachments(mime::WalkedText message, const CString& 
   mime::TextMemo memo(text);  // the message is searched from its start again and again
   // A message without any attachment marker lists nothing, so it has nothing to find either.
   if (text == nullptr || mime::CountAttachmentMarkers(text) <= 0) return;
+  hasMarkers_ = true;
   CString boundary;
-  if (mime::GetBoundary(text, boundary, nullptr) == 0) boundary = fallbackBoundary;
+  declaresBoundary_ = mime::GetBoundary(text, boundary, nullptr) == 1;
+  if (!declaresBoundary_) boundary = fallbackBoundary;
   if (boundary.IsEmpty()) return;
-  VisitMarkedParts(
+  walked_ = VisitMarkedParts(
       message, boundary, repaired_, [&](const PartRecord& record, const mime::Piece& piece) {
         if (record.kind != kAttachment) return;
         // The body as found in the record's copy, at the same place in the text.
@@ -41,6 +43,16 @@ MessageAttachments::MessageAttachments(mime::WalkedText message, const CString& 
         }
         parts_.push_back({record.fileName, record.transferEncoding, inText});
       });
+}
+
+int ListFound(const MessageAttachments& found, CString& names, int* count, AttachmentList& list) {
+  list.RemoveAll();
+  if (!found.hasMarkers()) return 0;
+  names.Empty();
+  if (!found.declaresBoundary()) return 1;
+  if (count != nullptr) *count = 0;
+  for (const AttachmentPart& part : found.parts()) list.Add(part.name);
+  return found.walked() ? 1 : 0;
 }
 
 const AttachmentPart* MessageAttachments::Find(const CString& name, const CString& altName) const {

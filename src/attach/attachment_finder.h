@@ -32,6 +32,10 @@ class MessageAttachments {
   MessageAttachments& operator=(const MessageAttachments&) = delete;
 
   const std::vector<AttachmentPart>& parts() const { return parts_; }
+  bool hasMarkers() const { return hasMarkers_; }  // any attachment marker at all
+  // The message names its own boundary: the fallback boundary played no part.
+  bool declaresBoundary() const { return declaresBoundary_; }
+  bool walked() const { return walked_; }  // the parts were cut; false when they could not be
   // The first attachment listed as `name`, else the first listed as `altName`; null when
   // neither is listed.
   const AttachmentPart* Find(const CString& name, const CString& altName) const;
@@ -39,7 +43,14 @@ class MessageAttachments {
  private:
   std::string repaired_;
   std::vector<AttachmentPart> parts_;
+  bool hasMarkers_ = false;
+  bool declaresBoundary_ = false;
+  bool walked_ = false;
 };
+
+// Fills `list` with the names of the attachments found, as ListAttachments does for the same
+// text when it was found with no fallback boundary, and returns what it returns.
+int ListFound(const MessageAttachments& found, CString& names, int* count, AttachmentList& list);
 
 // The body of a part text: behind its header's first CR LF CR LF (else LF LF) up to its end,
 // without the line end that belongs to the next delimiter. Empty for a part without an empty

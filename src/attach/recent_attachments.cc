@@ -8,8 +8,10 @@ namespace mailslice::attach {
 
 bool RecentAttachments::IsPrevious(const char* text, const CString& fallbackBoundary,
                                    std::optional<uint64_t> loadedMessage) const {
-  if (!key_ || text == nullptr || key_->fallbackBoundary != fallbackBoundary ||
-      key_->language != platform::LanguageCode() ||
+  // A message that names its own boundary is cut at it whatever the fallback boundary is.
+  bool sameBoundary = key_ && (key_->fallbackBoundary == fallbackBoundary ||
+                               (attachments_ && attachments_->declaresBoundary()));
+  if (!key_ || text == nullptr || !sameBoundary || key_->language != platform::LanguageCode() ||
       key_->codePage != platform::AnsiCodePageName()) {
     return false;
   }
