@@ -307,7 +307,8 @@ std::optional<std::string> ReadWholeFile(const std::string& path) {
   if (!file) return std::nullopt;
   std::string content;
   std::array<char, 1 << 16> block;
-  for (size_t got = 1; got > 0;) {
+  // A read that fills less than the block has met the end of the file.
+  for (size_t got = block.size(); got == block.size();) {
     if (file->Read(block.data(), block.size(), &got) != kErrorSuccess) return std::nullopt;
     content.append(block.data(), got);
   }
