@@ -15,9 +15,9 @@ namespace mailslice::attach {
 inline constexpr char kTempFileName[] = "AttachTempfile~.txt";
 
 // Creates the file anew at the temporary path, deleting first whatever an earlier save left
-// there, readable by its owner only and never through a link someone else planted there. The file is
-// deleted again when the object goes, whatever happened in between, so no call leaves it
-// behind. Only one save may run at a time: they all share the one path.
+// there, readable by its owner only and never through a link someone else planted there. The file
+// is deleted again when the object goes, whatever happened in between, so no call leaves it behind.
+// Only one save may run at a time: they all share the one path.
 class StagedFile {
  public:
   StagedFile();
