@@ -18,9 +18,13 @@ using platform::Files;
 
 StagedFile::StagedFile() : path_(TempFilePath()) {
   if (path_.empty()) return;
-  Files().Remove(path_);
   ErrorCode error = platform::kErrorSuccess;
   file_ = Files().CreateNew(path_, &error);
+  // Usually the path is free; only something left there (or planted) has to go first.
+  if (file_ == nullptr && error == platform::kErrorFileExists) {
+    Files().Remove(path_);
+    file_ = Files().CreateNew(path_, &error);
+  }
 }
 
 StagedFile::~StagedFile() {
@@ -35,10 +39,8 @@ ErrorCode StagedFile::Write(std::string_view bytes) {
 }
 
 ErrorCode StagedFile::CopyTo(const std::string& destination) {
-  // A disk that fills up may say so only when the file is closed.
-  ErrorCode closed = file_->Close();
-  if (closed != platform::kErrorSuccess) return closed;
-  return Files().Copy(path_, destination);
+  // A disk that fills up may say so only when the file is closed: that error comes first.
+  return Files().CloseAndCopy(*file_, path_, destination);
 }
 
 }  // namespace mailslice::attach

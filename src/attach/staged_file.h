@@ -14,10 +14,10 @@ namespace mailslice::attach {
 // The temporary file's name in the private temporary folder (the device's "\temp\").
 inline constexpr char kTempFileName[] = "AttachTempfile~.txt";
 
-// Deletes whatever an earlier save left at the temporary path, then creates the file anew,
-// readable by its owner only and never through a link someone else planted there. The file is
-// deleted again when the object goes, whatever happened in between, so no call leaves it
-// behind. Only one save may run at a time: they all share the one path.
+// Creates the file anew at the temporary path, deleting first whatever an earlier save left
+// there, readable by its owner only and never through a link someone else planted there. The file
+// is deleted again when the object goes, whatever happened in between, so no call leaves it behind.
+// Only one save may run at a time: they all share the one path.
 class StagedFile {
  public:
   StagedFile();

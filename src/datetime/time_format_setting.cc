@@ -15,12 +15,13 @@ constexpr uint32_t kTwelveHourValue = 1;
 }  // namespace
 
 int LoadTimeFormat() {
-  if (!platform::registry::CreateOrOpenKey(kTimeSetKey)) {
+  auto [opened, value] =
+      platform::registry::CreateOrOpenKeyAndQueryDword(kTimeSetKey, kTimeFormatValue);
+  if (!opened) {
     // A device whose settings key is unusable gets a fresh one that says 24-hour.
     platform::registry::SetDword(kTimeSetKey, kTimeFormatValue, kTwentyFourHourClock);
     return kTwentyFourHourClock;
   }
-  auto value = platform::registry::QueryDword(kTimeSetKey, kTimeFormatValue);
   // A device that has never been set up has no value; it shows the 12-hour clock.
   if (!value) return kTwelveHourClock;
   return *value == kTwelveHourValue ? kTwelveHourClock : kTwentyFourHourClock;

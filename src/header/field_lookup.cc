@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "header/header_block.h"
+#include "platform/code_page.h"
+#include "platform/device_settings.h"
 #include "platform/letter_case.h"
 
 namespace mailslice::header {
@@ -72,14 +74,23 @@ std::u16string Unfold(std::u16string value, LineEnds lineEnds) {
   return WithoutCrLfPairs(value);
 }
 
-}  // namespace
+// A header block made ready for lookups: with a line break in front, so that a field on the
+// first line matches like any other, and the same folded to lower case.
+struct PreparedBlock {
+  std::u16string text;
+  std::u16string folded;
+};
 
-CString LookupFieldInBlock(std::u16string_view headerBlock, std::u16string_view name,
-                           int occurrence) {
-  if (headerBlock.empty()) return CString();
-  // The leading line break lets a field on the first line match like any other.
-  std::u16string text = Joined(u"\r\n", headerBlock);
-  std::u16string folded = Folded(text);
+PreparedBlock Prepare(std::u16string_view headerBlock) {
+  PreparedBlock block;
+  block.text = Joined(u"\r\n", headerBlock);
+  block.folded = Folded(block.text);
+  return block;
+}
+
+CString FindField(const PreparedBlock& block, std::u16string_view name, int occurrence) {
+  const std::u16string& text = block.text;
+  const std::u16string& folded = block.folded;
   std::u16string foldedName = Folded(name);
   std::u16string pattern = Joined(u"\r\n", foldedName, u":");
   LineEnds lineEnds = LineEnds::kCrLf;
@@ -102,8 +113,50 @@ CString LookupFieldInBlock(std::u16string_view headerBlock, std::u16string_view 
   return result;
 }
 
+// A message is asked for From, To, Cc, Subject and Date in turn: its header block is widened
+// and folded once and kept, with the bytes and the code page it came from, for the next
+// lookup. A block is widened through the device ANSI code page alone, so the same bytes and
+// the same code page give the same block.
+class LastBlock {
+ public:
+  const PreparedBlock& Of(std::string_view bytes) {
+    std::string codePage = platform::AnsiCodePageName();
+    if (!held_ || bytes != bytes_ || codePage != codePage_) {
+      held_ = false;
+      block_ = Prepare(platform::AnsiToWide(bytes));
+      bytes_.assign(bytes);
+      codePage_ = std::move(codePage);
+      held_ = true;
+    }
+    return block_;
+  }
+
+ private:
+  bool held_ = false;
+  std::string bytes_;
+  std::string codePage_;
+  PreparedBlock block_;
+};
+
+// Larger blocks are not kept: they would hold memory long after the message is read.
+constexpr size_t kMaxKeptHeaderBytes = 64 * 1024;
+
+}  // namespace
+
+CString LookupFieldInBlock(std::u16string_view headerBlock, std::u16string_view name,
+                           int occurrence) {
+  if (headerBlock.empty()) return CString();
+  return FindField(Prepare(headerBlock), name, occurrence);
+}
+
 CString LookupField(const char* message, std::u16string_view name, int occurrence) {
-  return LookupFieldInBlock(HeaderBlock(message), name, occurrence);
+  auto bytes = HeaderBytes(message);
+  if (!bytes || bytes->empty()) return CString();
+  if (bytes->size() > kMaxKeptHeaderBytes) {
+    return LookupFieldInBlock(platform::AnsiToWide(*bytes), name, occurrence);
+  }
+  thread_local LastBlock last;
+  return FindField(last.Of(*bytes), name, occurrence);
 }
 
 }  // namespace mailslice::header

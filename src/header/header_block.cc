@@ -22,9 +22,14 @@ EmptyLine FindEmptyLine(const char* message) {
 }  // namespace
 
 std::u16string HeaderBlock(const char* message) {
+  auto bytes = HeaderBytes(message);
+  return bytes ? platform::AnsiToWide(*bytes) : std::u16string();
+}
+
+std::optional<std::string_view> HeaderBytes(const char* message) {
   EmptyLine line = FindEmptyLine(message);
-  if (line.at == nullptr) return {};
-  return platform::AnsiToWide(std::string_view(message, static_cast<size_t>(line.at - message)));
+  if (line.at == nullptr) return std::nullopt;
+  return std::string_view(message, static_cast<size_t>(line.at - message));
 }
 
 const char* BodyStart(const char* message) {

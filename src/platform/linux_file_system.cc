@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <random>
 
@@ -84,11 +85,14 @@ class PosixFile final : public File {
       if (count < 0 && errno == EINTR) continue;
       if (count < 0) return LastErrno();
       done += static_cast<size_t>(count);
+      written_ += static_cast<uint64_t>(count);
     }
     return kErrorSuccess;
   }
 
   int descriptor() const { return descriptor_; }
+  // Bytes written through this object: the size of a file created new and only written since.
+  uint64_t written() const { return written_; }
 
   ErrorCode Close() override {
     if (descriptor_ < 0) return kErrorSuccess;
@@ -99,6 +103,7 @@ class PosixFile final : public File {
 
  private:
   int descriptor_;
+  uint64_t written_ = 0;
 };
 
 int64_t Nanoseconds(const statx_timestamp& time) {
@@ -132,8 +137,9 @@ class LinuxFileSystem final : public FileSystem {
     return Adopt(descriptor, error);
   }
 
+  // Opened for reading too, so that CloseAndCopy can copy from it without opening it again.
   std::unique_ptr<File> CreateNew(const std::string& path, ErrorCode* error) override {
-    return Open(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600, error);
+    return Open(path, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600, error);
   }
 
   ErrorCode Copy(const std::string& from, const std::string& to) override {
@@ -141,19 +147,26 @@ class LinuxFileSystem final : public FileSystem {
     auto source = OpenFileForReading(from, &error);
     if (!source) return error;
     std::string temporary;
-    std::unique_ptr<PosixFile> target;
-    for (int attempt = 0; attempt < 8 && !target; ++attempt) {
-      temporary = SiblingTempName(to);
-      // A copy gets the ordinary mode of a new file (the user's umask applies).
-      target = Open(temporary, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666, &error);
-      if (!target && error != kErrorFileExists) return error;
-    }
-    if (!target) return error;
-    error = CopyContent(*source, *target);
-    if (ErrorCode closed = target->Close(); error == kErrorSuccess) error = closed;
-    if (error == kErrorSuccess) error = Rename(temporary, to);
-    if (error != kErrorSuccess) unlink(temporary.c_str());
+    error = CopyToSibling(*source, std::nullopt, to, &temporary);
+    if (error == kErrorSuccess) error = MoveSibling(temporary, to);
     return error;
+  }
+
+  ErrorCode CloseAndCopy(File& source, const std::string& sourcePath,
+                         const std::string& to) override {
+    auto* created = dynamic_cast<PosixFile*>(&source);
+    if (created == nullptr || created->descriptor() < 0) {
+      return FileSystem::CloseAndCopy(source, sourcePath, to);
+    }
+    std::string temporary;
+    ErrorCode copied = CopyToSibling(*created, created->written(), to, &temporary);
+    // A disk that fills up may say so only when the file is closed; that error comes first.
+    if (ErrorCode closed = created->Close(); closed != kErrorSuccess) {
+      if (copied == kErrorSuccess) unlink(temporary.c_str());
+      return closed;
+    }
+    if (copied != kErrorSuccess) return copied;
+    return MoveSibling(temporary, to);
   }
 
   ErrorCode Rename(const std::string& from, const std::string& to) override {
@@ -213,14 +226,45 @@ class LinuxFileSystem final : public FileSystem {
     return std::make_unique<PosixFile>(descriptor);
   }
 
+  // Copies the whole of `source` (`size` bytes when known) into a new file beside `to`, named
+  // in `*temporary`. On failure the new file is gone again.
+  static ErrorCode CopyToSibling(PosixFile& source, std::optional<uint64_t> size,
+                                 const std::string& to, std::string* temporary) {
+    ErrorCode error = kErrorSuccess;
+    std::unique_ptr<PosixFile> target;
+    for (int attempt = 0; attempt < 8 && !target; ++attempt) {
+      *temporary = SiblingTempName(to);
+      // A copy gets the ordinary mode of a new file (the user's umask applies).
+      target = Open(*temporary, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666, &error);
+      if (!target && error != kErrorFileExists) return error;
+    }
+    if (!target) return error;
+    error = CopyContent(source, size, *target);
+    if (ErrorCode closed = target->Close(); error == kErrorSuccess) error = closed;
+    if (error != kErrorSuccess) unlink(temporary->c_str());
+    return error;
+  }
+
+  // Puts the finished copy in the destination's place.
+  ErrorCode MoveSibling(const std::string& temporary, const std::string& to) {
+    ErrorCode error = Rename(temporary, to);
+    if (error != kErrorSuccess) unlink(temporary.c_str());
+    return error;
+  }
+
   // The kernel copies from file to file without the bytes passing through this process (and
   // shares the blocks where the file system can). Where it cannot copy between the two, the
-  // rest goes through a buffer.
-  static ErrorCode CopyContent(PosixFile& source, PosixFile& target) {
-    constexpr size_t kKernelCopyBytes = size_t{1} << 30;
-    while (true) {
-      ssize_t copied = copy_file_range(source.descriptor(), nullptr, target.descriptor(), nullptr,
-                                       kKernelCopyBytes, 0);
+  // rest goes through a buffer. The source is read from its start whatever its position; a
+  // known size spares the call that would only find the end.
+  static ErrorCode CopyContent(PosixFile& source, std::optional<uint64_t> size, PosixFile& target) {
+    constexpr uint64_t kKernelCopyBytes = uint64_t{1} << 30;
+    off_t offset = 0;
+    auto left = [&] { return *size - static_cast<uint64_t>(offset); };
+    while (!size || left() > 0) {
+      size_t want =
+          static_cast<size_t>(size ? std::min(left(), kKernelCopyBytes) : kKernelCopyBytes);
+      ssize_t copied =
+          copy_file_range(source.descriptor(), &offset, target.descriptor(), nullptr, want, 0);
       if (copied > 0) continue;
       if (copied == 0) return kErrorSuccess;
       if (errno == EINTR) continue;
@@ -229,12 +273,15 @@ class LinuxFileSystem final : public FileSystem {
       }
       break;
     }
+    if (size && left() == 0) return kErrorSuccess;
     std::array<char, 1 << 16> block;
     while (true) {
-      size_t got = 0;
-      if (ErrorCode error = source.Read(block.data(), block.size(), &got)) return error;
+      ssize_t got = pread(source.descriptor(), block.data(), block.size(), offset);
+      if (got < 0 && errno == EINTR) continue;
+      if (got < 0) return LastErrno();
       if (got == 0) return kErrorSuccess;
-      if (ErrorCode error = target.Write(block.data(), got)) return error;
+      offset += got;
+      if (ErrorCode error = target.Write(block.data(), static_cast<size_t>(got))) return error;
     }
   }
 };
@@ -260,7 +307,8 @@ std::optional<std::string> ReadWholeFile(const std::string& path) {
   if (!file) return std::nullopt;
   std::string content;
   std::array<char, 1 << 16> block;
-  for (size_t got = 1; got > 0;) {
+  // A read that fills less than the block has met the end of the file.
+  for (size_t got = block.size(); got == block.size();) {
     if (file->Read(block.data(), block.size(), &got) != kErrorSuccess) return std::nullopt;
     content.append(block.data(), got);
   }

@@ -1,6 +1,7 @@
 #include "platform/message_catalog.h"
 
 #include <charconv>
+#include <vector>
 
 #include "platform/code_page.h"
 #include "platform/device_settings.h"
@@ -39,10 +40,52 @@ std::string Unescape(std::string_view text) {
   return result;
 }
 
-std::optional<MessageCatalog> ReadCatalogFile(const std::string& path) {
-  auto content = ReadWholeFile(path);
-  if (!content) return std::nullopt;
-  return MessageCatalog::Parse(*content);
+// A catalog is built from its name, its language and the content of the message file found
+// (none when the built-in catalogs serve alone): the same three give the same catalog.
+struct CatalogSource {
+  std::u16string name;
+  int language = 0;
+  std::optional<std::string> file;
+
+  bool operator==(const CatalogSource&) const = default;
+};
+
+// Dates are shown several times per message, each time asking for the same catalogs; the ones
+// built last are kept and handed out again while their sources stay the same. The files are
+// still read on every call, so a changed file is seen at once.
+class CatalogCache {
+ public:
+  std::shared_ptr<const MessageCatalog> Find(const CatalogSource& source) const {
+    for (const Entry& entry : entries_) {
+      if (entry.source == source) return entry.catalog;
+    }
+    return nullptr;
+  }
+
+  void Add(CatalogSource source, std::shared_ptr<const MessageCatalog> catalog) {
+    if (entries_.size() == kMaxEntries) entries_.erase(entries_.begin());
+    entries_.push_back({std::move(source), std::move(catalog)});
+  }
+
+ private:
+  struct Entry {
+    CatalogSource source;
+    std::shared_ptr<const MessageCatalog> catalog;
+  };
+  static constexpr size_t kMaxEntries = 8;
+  std::vector<Entry> entries_;
+};
+
+std::shared_ptr<const MessageCatalog> Build(const CatalogSource& source) {
+  std::optional<MessageCatalog> catalog;
+  if (source.file) catalog = MessageCatalog::Parse(*source.file);
+  auto own = BuiltinCatalog(source.name, source.language);
+  auto english = BuiltinCatalog(source.name, kEnglishLanguage);
+  if (!catalog && own.empty() && english.empty()) return nullptr;
+  if (!catalog) catalog.emplace();
+  catalog->FillFrom(own);
+  catalog->FillFrom(english);
+  return std::make_shared<const MessageCatalog>(std::move(*catalog));
 }
 
 }  // namespace
@@ -77,19 +120,18 @@ void MessageCatalog::FillFrom(std::span<const BuiltinMessage> messages) {
 }
 
 std::shared_ptr<const MessageCatalog> LoadCatalog(std::u16string_view name, int language) {
-  std::optional<MessageCatalog> catalog;
+  CatalogSource source{std::u16string(name), language, std::nullopt};
   if (auto folder = MessagesFolder()) {
     std::string fileName = WideToMultiByte(kUtf8CodePage, name);
-    catalog = ReadCatalogFile(*folder + "/" + std::to_string(language) + "/" + fileName);
-    if (!catalog) catalog = ReadCatalogFile(*folder + "/" + fileName);
+    source.file = ReadWholeFile(*folder + "/" + std::to_string(language) + "/" + fileName);
+    if (!source.file) source.file = ReadWholeFile(*folder + "/" + fileName);
   }
-  auto own = BuiltinCatalog(name, language);
-  auto english = BuiltinCatalog(name, kEnglishLanguage);
-  if (!catalog && own.empty() && english.empty()) return nullptr;
-  if (!catalog) catalog.emplace();
-  catalog->FillFrom(own);
-  catalog->FillFrom(english);
-  return std::make_shared<const MessageCatalog>(std::move(*catalog));
+  thread_local CatalogCache cache;
+  if (auto catalog = cache.Find(source)) return catalog;
+  auto catalog = Build(source);
+  // A missing catalog costs nothing to find again.
+  if (catalog) cache.Add(std::move(source), catalog);
+  return catalog;
 }
 
 }  // namespace mailslice::platform

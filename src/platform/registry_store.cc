@@ -45,9 +45,9 @@ class Store {
     auto location = RegistryPath();
     if (!location) return false;
     path_ = *location;
-    if (!Files().Exists(path_)) return true;
     auto content = ReadWholeFile(path_);
-    if (!content) return false;
+    // Only a store that cannot be read is asked whether it is there at all.
+    if (!content) return !Files().Exists(path_);
     Parse(*content);
     return true;
   }
@@ -117,6 +117,22 @@ std::string DwordLine(const std::string& valueName, uint32_t value) {
   return "\"" + valueName + "\"" + std::string(kDwordPrefix) + digits;
 }
 
+// The DWORD value `valueName` among the lines of a key.
+std::optional<uint32_t> DwordIn(const Section& section, const std::string& valueName) {
+  for (const std::string& line : section.lines) {
+    auto name = ValueName(line);
+    if (!name || !EqualsIgnoringCase(*name, valueName)) continue;
+    std::string_view data = std::string_view(line).substr(name->size() + 2);
+    if (data.substr(0, kDwordPrefix.size()) != kDwordPrefix) return std::nullopt;
+    data.remove_prefix(kDwordPrefix.size());
+    uint32_t value = 0;
+    auto [end, error] = std::from_chars(data.data(), data.data() + data.size(), value, 16);
+    if (error != std::errc() || end != data.data() + data.size()) return std::nullopt;
+    return value;
+  }
+  return std::nullopt;
+}
+
 }  // namespace
 
 bool CreateOrOpenKey(const std::string& keyPath) {
@@ -132,18 +148,16 @@ std::optional<uint32_t> QueryDword(const std::string& keyPath, const std::string
   if (!store.Load()) return std::nullopt;
   const Section* section = store.Find(keyPath);
   if (section == nullptr) return std::nullopt;
-  for (const std::string& line : section->lines) {
-    auto name = ValueName(line);
-    if (!name || !EqualsIgnoringCase(*name, valueName)) continue;
-    std::string_view data = std::string_view(line).substr(name->size() + 2);
-    if (data.substr(0, kDwordPrefix.size()) != kDwordPrefix) return std::nullopt;
-    data.remove_prefix(kDwordPrefix.size());
-    uint32_t value = 0;
-    auto [end, error] = std::from_chars(data.data(), data.data() + data.size(), value, 16);
-    if (error != std::errc() || end != data.data() + data.size()) return std::nullopt;
-    return value;
-  }
-  return std::nullopt;
+  return DwordIn(*section, valueName);
+}
+
+KeyQuery CreateOrOpenKeyAndQueryDword(const std::string& keyPath, const std::string& valueName) {
+  Store store;
+  if (!store.Load()) return {};
+  if (const Section* section = store.Find(keyPath)) return {true, DwordIn(*section, valueName)};
+  // A key made just now holds no value.
+  store.FindOrAdd(keyPath);
+  return {store.Save(), std::nullopt};
 }
 
 bool SetDword(const std::string& keyPath, const std::string& valueName, uint32_t value) {

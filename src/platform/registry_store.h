@@ -24,6 +24,14 @@ bool CreateOrOpenKey(const std::string& keyPath);
 // value is not a DWORD.
 std::optional<uint32_t> QueryDword(const std::string& keyPath, const std::string& valueName);
 
+struct KeyQuery {
+  bool opened = false;            // what CreateOrOpenKey answers
+  std::optional<uint32_t> value;  // what QueryDword then answers
+};
+
+// CreateOrOpenKey and then QueryDword, reading the store once.
+KeyQuery CreateOrOpenKeyAndQueryDword(const std::string& keyPath, const std::string& valueName);
+
 // Sets the DWORD value, creating the key when missing. False when the store cannot be written.
 bool SetDword(const std::string& keyPath, const std::string& valueName, uint32_t value);
 

@@ -28,8 +28,10 @@ bool IsOwnFolder(const std::string& path, bool tighten) {
 std::optional<std::string> PrivateTempFolder() {
   auto chosen = TempFolderSetting();
   // A folder the user chose keeps its mode; the default one in a shared place is made private.
-  std::string path = chosen.value_or(HostTempRoot() + "/mailslice-" + std::to_string(geteuid()));
+  std::string path = chosen ? *chosen : HostTempRoot() + "/mailslice-" + std::to_string(geteuid());
   while (path.size() > 1 && path.back() == '/') path.pop_back();
+  // The folder is usually there from the last call: one look spares creating it and its parents.
+  if (IsOwnFolder(path, !chosen)) return path;
   if (Files().MakeFolders(path, true) != kErrorSuccess) return std::nullopt;
   if (!IsOwnFolder(path, !chosen)) return std::nullopt;
   return path;

@@ -206,6 +206,26 @@ TEST(AttachmentSaverTest, TemporaryFileAndDestination) {
   EXPECT_FALSE(scratch.Holds("blocked") || scratch.Holds("a") || scratch.Holds("nowhere"));
 }
 
+// The copy to the destination reads the temporary file from its start, also where the kernel
+// cannot copy between the two file systems (a temporary folder in memory).
+TEST(AttachmentSaverTest, CopiesAcrossFileSystems) {
+  char shared[] = "/dev/shm/mailslice-test-XXXXXX";
+  if (mkdtemp(shared) == nullptr) GTEST_SKIP() << "no /dev/shm to put the temporary folder in";
+  struct Remove {
+    void operator()(const char* path) const { fs::remove_all(path); }
+  };
+  std::unique_ptr<const char, Remove> remove(shared);
+  SaveScratch scratch;
+  mailslice::testing::ScopedEnv temp("MAILSLICE_TEMP", shared);
+  std::string body = RandomBytes(300'000, 7, true);
+  for (const Saver& saver : kSavers) {
+    SCOPED_TRACE(saver.name);
+    ASSERT_EQ(saver.save(saver.encode(body), scratch.Path("out")), 1);
+    EXPECT_TRUE(Contents(scratch.Path("out")) == body);
+    EXPECT_TRUE(fs::is_empty(shared));
+  }
+}
+
 // The savers decode in blocks and chunks: what they save must be what the whole-text decoder
 // gives.
 TEST(AttachmentSaverTest, Base64BlocksDecodeAsTheWholeText) {

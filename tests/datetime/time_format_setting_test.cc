@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 
 #include "support/test_support.h"
@@ -19,6 +20,15 @@ TEST(TimeFormatSettingTest, NoStoreMeansTwelveHoursAnUnusableOneTwentyFour) {
   {
     ScopedEnv registry("MAILSLICE_REGISTRY", (folder.path() / "registry.reg").string());
     EXPECT_EQ(LoadTimeFormat(), kTwelveHourClock);
+  }
+  {
+    // A link to nowhere is there but cannot be read: it is left alone.
+    std::filesystem::path link = folder.path() / "link.reg";
+    std::filesystem::create_symlink(folder.path() / "nowhere", link);
+    ScopedEnv registry("MAILSLICE_REGISTRY", link.string());
+    EXPECT_EQ(LoadTimeFormat(), kTwentyFourHourClock);
+    EXPECT_TRUE(std::filesystem::is_symlink(link));
+    EXPECT_FALSE(std::filesystem::exists(folder.path() / "nowhere"));
   }
   // A file where the store's folder should be: nothing can be created below it.
   ScopedEnv registry("MAILSLICE_REGISTRY", folder.Write("not-a-folder", "x") + "/registry.reg");

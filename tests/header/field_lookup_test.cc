@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "header/header_block.h"
+#include "support/test_support.h"
 
 namespace mailslice::header {
 namespace {
@@ -38,6 +41,23 @@ TEST(FieldLookupTest, FindsTheValueInLfMessages) {
       {"X: 0\nSubject: s\n", u"Subject", u""}};
   for (auto [message, field, value] : cases)
     EXPECT_EQ(LookupField(message, field), value) << message;
+}
+
+// Lookups in turn share the widened block of the message before: a message changed in place,
+// another code page or a header too large to keep must still give this call's value.
+TEST(FieldLookupTest, EachLookupReadsTheMessageAndCodePageOfItsCall) {
+  char message[] = "Subject: \xE9t\xE9\r\nTo: one\r\n\r\nbody";
+  EXPECT_EQ(LookupField(message, u"Subject"), u"été");
+  message[19] = 'x';
+  EXPECT_EQ(LookupField(message, u"To"), u"oxe");
+  {
+    mailslice::testing::ScopedEnv cyrillic("MAILSLICE_CODEPAGE", "CP1251");
+    EXPECT_EQ(LookupField(message, u"Subject"), u"йtй");
+  }
+  EXPECT_EQ(LookupField(message, u"Subject"), u"été");
+  std::string large = "X: " + std::string(100'000, 'x') + "\r\nTo: far\r\n\r\nbody";
+  EXPECT_EQ(LookupField(large.c_str(), u"To"), u"far");
+  EXPECT_EQ(LookupField(message, u"To"), u"oxe");
 }
 
 TEST(HeaderBlockTest, EndsAtTheFirstEmptyLineOfEitherKind) {

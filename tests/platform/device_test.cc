@@ -2,6 +2,8 @@
 #include <mailslice/device.h>
 #include <sys/stat.h>
 
+#include <filesystem>
+
 #include "platform/temp_folder.h"
 #include "support/test_support.h"
 
@@ -48,6 +50,19 @@ TEST_F(MessageCatalogTest, LanguageFileComesFirstThenTheSharedFileThenTheBuiltIn
   EXPECT_EQ(value.GetMessageW(1192), u"AM");
   // A catalog's own date format: integers only, so "%s" stays text.
   EXPECT_EQ(value.GetDateAndTimeMessage(2009, 1, 5, 7, 8, 9), u"2009-01-05T07 %s");
+}
+
+TEST_F(MessageCatalogTest, AFileChangedBetweenLoadsIsReadAgain) {
+  CSystemValue value;
+  folder_.Write("81/Email", "133\tone\n");
+  ASSERT_TRUE(value.LoadMessageFile(u"Email"));
+  EXPECT_EQ(value.GetMessageW(133), u"one");
+  folder_.Write("81/Email", "133\ttwo\n");  // same size, same moment
+  ASSERT_TRUE(value.LoadMessageFile(u"Email"));
+  EXPECT_EQ(value.GetMessageW(133), u"two");
+  std::filesystem::remove(folder_.path() / "81/Email");
+  ASSERT_TRUE(value.LoadMessageFile(u"Email"));
+  EXPECT_EQ(value.GetMessageW(133), u"(不明)");
 }
 
 TEST(DeviceTest, SettingsAreReadFreshAndBadNumbersFallBack) {
