@@ -62,7 +62,7 @@ const AttachmentPart* MessageAttachments::Find(const CString& name, const CStrin
 
 std::string_view PartBody(const char* partText) {
   if (partText == nullptr) return {};
-  std::string_view part(partText);
+  std::string_view part(partText, mime::TextMemo::Length(partText));
   size_t start = part.find(kEmptyLine);
   if (start != std::string_view::npos) {
     start += kEmptyLine.size();

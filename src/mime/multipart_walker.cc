@@ -9,6 +9,7 @@
 #include "mime/content_type_reader.h"
 #include "mime/forward_finder.h"
 #include "mime/header_parameters.h"
+#include "mime/text_memo.h"
 #include "platform/code_page.h"
 
 namespace mailslice::mime {
@@ -25,7 +26,7 @@ std::string Delimiter(const CString& boundary) {
 class Walk {
  public:
   Walk(const char* text, const CString& boundary)
-      : text_(text),
+      : text_(text, TextMemo::Length(text)),
         outer_(text_, Delimiter(boundary)),
         closing_(text_, outer_.needle() + "--"),
         contentTypes_(text_) {}

@@ -47,8 +47,9 @@ class PieceTexts {
 
    private:
     friend class PieceTexts;
-    Lent(const char* text, char* end)
-        : text_(text), end_(end), saved_(end ? *end : '\0'), memo_(text) {
+    // A piece holds no NUL (it lies in front of its text's end), so its length is known.
+    Lent(const char* text, size_t length, char* end)
+        : text_(text), end_(end), saved_(end ? *end : '\0'), memo_(text, length) {
       if (end_ != nullptr) *end_ = '\0';
     }
     const char* text_;
@@ -58,9 +59,10 @@ class PieceTexts {
   };
 
   Lent Of(const Piece& piece) {
-    if (owned_) return Lent(piece.begin, const_cast<char*>(piece.end));
+    auto length = static_cast<size_t>(piece.end - piece.begin);
+    if (owned_) return Lent(piece.begin, length, const_cast<char*>(piece.end));
     copy_.assign(piece.begin, piece.end);
-    return Lent(copy_.c_str(), nullptr);
+    return Lent(copy_.c_str(), length, nullptr);
   }
 
  private:

@@ -11,6 +11,11 @@ thread_local TextMemo* g_latest = nullptr;
 
 TextMemo::TextMemo(const char* text) : text_(text), outer_(g_latest) { g_latest = this; }
 
+TextMemo::TextMemo(const char* text, size_t length)
+    : text_(text), length_(length), outer_(g_latest) {
+  g_latest = this;
+}
+
 TextMemo::~TextMemo() { g_latest = outer_; }
 
 TextMemo* TextMemo::Holding(const char* text) {

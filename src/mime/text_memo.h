@@ -20,6 +20,8 @@ class TextMemo {
   // latest one made for a text answers for it (a piece ended in place inside a text that is
   // itself remembered reads shorter meanwhile).
   explicit TextMemo(const char* text);
+  // A text whose length is known already.
+  TextMemo(const char* text, size_t length);
   ~TextMemo();
   TextMemo(const TextMemo&) = delete;
   TextMemo& operator=(const TextMemo&) = delete;
