@@ -91,7 +91,7 @@ size_t DecodeWholeGroups(const unsigned char* text, size_t pos, size_t end, Outp
       CleanRun run =
           DecodeCleanBase64(text + pos, end - pos, out.data + out.size, out.capacity - out.size);
       pos += run.characters;
-      out.size += run.characters / 4 * 3;
+      out.size += run.bytes;
       groupByGroupUntil = pos + run.cleanAfter;
       if (out.capacity - out.size < 3 || end - pos < 4) break;
     }

@@ -66,24 +66,39 @@ __attribute__((target("avx2"))) CleanRun DecodeAvx2(const unsigned char* in, siz
   while (size - run.characters >= kVectorBlockCharacters && room >= kVectorBlockBytes) {
     __m256i text = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(in + run.characters));
     Classified block = Classify(text);
-    if (block.outside != 0) {
-      // The whole groups in front of the first byte outside the alphabet (the end of a
-      // 76-column line, say) come out of the same step; their bytes do not depend on the rest.
-      auto clean = static_cast<size_t>(__builtin_ctz(block.outside));
-      size_t groups = clean / 4;
-      if (groups > 0) {
-        alignas(32) unsigned char packed[kVectorBlockCharacters];
-        StorePacked(block.values, packed);
-        std::memcpy(out, packed, groups * 3);
-        run.characters += groups * 4;
-      }
+    if (block.outside == 0) {
+      StorePacked(block.values, out);
+      run.characters += kVectorBlockCharacters;
+      run.bytes += kVectorBlockBytes;
+      out += kVectorBlockBytes;
+      room -= kVectorBlockBytes;
+      continue;
+    }
+    // The whole groups in front of the first byte outside the alphabet (the end of a 76-column
+    // line, say) come out of the same step; their bytes do not depend on the rest.
+    auto clean = static_cast<size_t>(__builtin_ctz(block.outside));
+    size_t groups = clean / 4;
+    if (groups > 0) {
+      alignas(32) unsigned char packed[kVectorBlockCharacters];
+      StorePacked(block.values, packed);
+      std::memcpy(out, packed, groups * 3);
+      run.characters += groups * 4;
+      run.bytes += groups * 3;
+      out += groups * 3;
+      room -= groups * 3;
+    }
+    // A CR LF line break between whole groups, followed by a clean block, is passed over, as the
+    // group-by-group decoder passes over a line break followed by a whole group.
+    size_t at = run.characters;
+    bool lineBreak =
+        clean % 4 == 0 && room >= kVectorBlockBytes && size - at >= 2 + kVectorBlockCharacters &&
+        in[at] == '\r' && in[at + 1] == '\n' &&
+        Classify(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(in + at + 2))).outside == 0;
+    if (!lineBreak) {
       run.cleanAfter = clean % 4;
       return run;
     }
-    StorePacked(block.values, out);
-    run.characters += kVectorBlockCharacters;
-    out += kVectorBlockBytes;
-    room -= kVectorBlockBytes;
+    run.characters += 2;
   }
   run.cleanAfter = size - run.characters;
   return run;
@@ -103,7 +118,7 @@ CleanRun DecodeCleanBase64(const unsigned char* in, size_t size, unsigned char* 
 #endif
   (void)out;
   (void)room;
-  return CleanRun{0, size};
+  return CleanRun{0, 0, size};
 }
 
 }  // namespace mailslice::codec

@@ -14,8 +14,9 @@ inline constexpr size_t kVectorBlockCharacters = 32;
 inline constexpr size_t kVectorBlockBytes = 24;
 
 struct CleanRun {
-  // Characters decoded: whole groups of alphabet characters; every 4 of them wrote 3 bytes.
+  // Characters read: whole groups of alphabet characters, and CR LF line breaks between them.
   size_t characters = 0;
+  size_t bytes = 0;  // bytes written, 3 for every group
   // Alphabet characters that follow them before the first byte outside the alphabet (a line
   // break, say), as far as the decoder looked; the caller decodes those group by group, and
   // need not ask the vector decoder again before it has passed them.
@@ -23,7 +24,8 @@ struct CleanRun {
 };
 
 // Decodes whole groups of alphabet characters from in[0, size) into out (which has room for
-// `room` bytes), a block at a time, up to the first byte outside the alphabet, the last whole
+// `room` bytes), a block at a time, passing over CR LF line breaks that stand between whole
+// groups and a clean block, up to the first other byte outside the alphabet, the last whole
 // block, or the last block that fits. The bytes written are exactly those that decoding the
 // same characters group by group writes, and nothing is written past them. Without vector
 // instructions, or with less than a block left, it decodes nothing and reports the whole rest
