@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/code_page_fast.h"
 #include "platform/device_settings.h"
 
 namespace mailslice::platform {
@@ -145,7 +146,7 @@ std::string Run(iconv_t descriptor, std::string_view input, OnRefusal onRefusal)
     if (written + refusal.replacement.size() > output.size()) {
       output.resize(output.size() * 2 + refusal.replacement.size());
     }
-    output.replace(written, refusal.replacement.size(), refusal.replacement);
+    std::copy(refusal.replacement.begin(), refusal.replacement.end(), output.begin() + written);
     written += refusal.replacement.size();
     if (refusal.stop) break;
     in += refusal.skip;
@@ -201,6 +202,22 @@ std::u16string ConvertToWide(iconv_t descriptor, std::string_view bytes) {
   }));
 }
 
+std::u16string IconvToWide(const std::string& name, std::string_view bytes) {
+  return ConvertToWide(Converter(name, kUtf16Name), bytes);
+}
+
+std::string IconvToNarrow(const std::string& name, std::u16string_view text) {
+  static const char kDefault[1] = {kDefaultCharacter};
+  iconv_t descriptor = Converter(kUtf16Name, name);
+  return Run(descriptor, AsBytes(text), [&](std::string_view rest, bool incomplete) {
+    return Refusal{CharacterBytes(rest), std::string_view(kDefault, 1), incomplete};
+  });
+}
+
+// The fast paths convert up to where they cannot be sure and leave the rest to iconv (which
+// keeps no state across the cut in the code pages they take).
+constexpr ExactConversions kExactConversions{IconvToWide, IconvToNarrow};
+
 }  // namespace
 
 std::optional<std::u16string> CharsetToWide(std::string_view charset, std::string_view bytes) {
@@ -213,16 +230,28 @@ std::optional<std::u16string> CharsetToWide(std::string_view charset, std::strin
   return ConvertToWide(descriptor, bytes);
 }
 
+std::u16string MultiByteToWideThroughIconv(unsigned codePage, std::string_view bytes) {
+  return IconvToWide(IconvName(codePage), bytes);
+}
+
+std::string WideToMultiByteThroughIconv(unsigned codePage, std::u16string_view text) {
+  return IconvToNarrow(IconvName(codePage), text);
+}
+
 std::u16string MultiByteToWide(unsigned codePage, std::string_view bytes) {
-  return ConvertToWide(Converter(IconvName(codePage), kUtf16Name), bytes);
+  std::string name = IconvName(codePage);
+  std::u16string wide;
+  size_t done = FastPrefixToWide(name, bytes, wide, kExactConversions);
+  if (done < bytes.size()) wide += IconvToWide(name, bytes.substr(done));
+  return wide;
 }
 
 std::string WideToMultiByte(unsigned codePage, std::u16string_view text) {
-  static const char kDefault[1] = {kDefaultCharacter};
-  iconv_t descriptor = Converter(kUtf16Name, IconvName(codePage));
-  return Run(descriptor, AsBytes(text), [&](std::string_view rest, bool incomplete) {
-    return Refusal{CharacterBytes(rest), std::string_view(kDefault, 1), incomplete};
-  });
+  std::string name = IconvName(codePage);
+  std::string narrow;
+  size_t done = FastPrefixToNarrow(name, text, narrow, kExactConversions);
+  if (done < text.size()) narrow += IconvToNarrow(name, text.substr(done));
+  return narrow;
 }
 
 std::string WideToMultiByteUntilFailure(std::u16string_view text) {

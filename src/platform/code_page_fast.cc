@@ -1,0 +1,168 @@
+#include "platform/code_page_fast.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <vector>
+
+namespace mailslice::platform {
+namespace {
+
+constexpr std::string_view kUtf8Name = "UTF-8";
+// The device code pages where each byte is one character and iconv keeps no state between
+// characters (CP1255 and CP1258, which compose accents, are not among them), so a character
+// converts the same alone as inside a text.
+constexpr std::string_view kSingleBytePages[] = {"CP1250", "CP1251", "CP1252", "CP1256"};
+
+constexpr uint64_t kHighBits = 0x8080808080808080ULL;
+constexpr size_t kWordBytes = sizeof(uint64_t);
+constexpr uint16_t kNotAsked = 0xFFFF;
+constexpr uint16_t kNotSingleByte = 0xFFFE;
+
+bool IsContinuation(unsigned char byte) { return (byte & 0xC0) == 0x80; }
+bool IsSurrogate(char32_t unit) { return unit >= 0xD800 && unit <= 0xDFFF; }
+
+// Widens a run of ASCII bytes a word at a time; returns how many it took.
+size_t WidenAscii(const unsigned char* in, size_t size, char16_t* out) {
+  size_t done = 0;
+  while (size - done >= kWordBytes) {
+    uint64_t word;
+    std::memcpy(&word, in + done, kWordBytes);
+    if ((word & kHighBits) != 0) break;
+    for (size_t k = 0; k < kWordBytes; ++k) out[done + k] = in[done + k];
+    done += kWordBytes;
+  }
+  while (done < size && in[done] < 0x80) {
+    out[done] = in[done];
+    ++done;
+  }
+  return done;
+}
+
+// Well-formed UTF-8 of the Basic Multilingual Plane, surrogates excepted; anything else
+// (malformed bytes, a character beyond the plane) is left to iconv.
+size_t Utf8Prefix(std::string_view bytes, std::u16string& wide) {
+  size_t start = wide.size();
+  wide.resize(start + bytes.size());
+  char16_t* out = wide.data() + start;
+  const auto* in = reinterpret_cast<const unsigned char*>(bytes.data());
+  size_t size = bytes.size(), at = 0;
+  while (at < size) {
+    size_t ascii = WidenAscii(in + at, size - at, out);
+    at += ascii;
+    out += ascii;
+    if (at == size) break;
+    unsigned char lead = in[at];
+    size_t left = size - at;
+    if (lead >= 0xC2 && lead <= 0xDF && left >= 2 && IsContinuation(in[at + 1])) {
+      *out++ = static_cast<char16_t>((lead & 0x1F) << 6 | (in[at + 1] & 0x3F));
+      at += 2;
+      continue;
+    }
+    if (lead >= 0xE0 && lead <= 0xEF && left >= 3 && IsContinuation(in[at + 1]) &&
+        IsContinuation(in[at + 2])) {
+      char32_t unit = (lead & 0x0Fu) << 12 | (in[at + 1] & 0x3Fu) << 6 | (in[at + 2] & 0x3Fu);
+      if (unit >= 0x800 && !IsSurrogate(unit)) {
+        *out++ = static_cast<char16_t>(unit);
+        at += 3;
+        continue;
+      }
+    }
+    break;
+  }
+  wide.resize(static_cast<size_t>(out - wide.data()));
+  return at;
+}
+
+// What iconv makes of each character of one single-byte code page, asked once per byte and
+// once per wide character met.
+class SingleBytePage {
+ public:
+  SingleBytePage(const std::string& name, const ExactConversions& exact)
+      : name_(name), toNarrow_(exact.toNarrow) {
+    for (unsigned byte = 0; byte < 256; ++byte) {
+      std::u16string unit = exact.toWide(name, std::string(1, static_cast<char>(byte)));
+      single_[byte] = unit.size() == 1;
+      wide_[byte] = single_[byte] ? unit[0] : 0;
+    }
+  }
+
+  const std::string& Name() const { return name_; }
+
+  size_t ToWide(std::string_view bytes, std::u16string& wide) const {
+    size_t start = wide.size();
+    wide.resize(start + bytes.size());
+    char16_t* out = wide.data() + start;
+    size_t at = 0;
+    for (; at < bytes.size(); ++at) {
+      auto byte = static_cast<unsigned char>(bytes[at]);
+      if (!single_[byte]) break;
+      out[at] = wide_[byte];
+    }
+    wide.resize(start + at);
+    return at;
+  }
+
+  size_t ToNarrow(std::u16string_view text, std::string& narrow) {
+    size_t start = narrow.size();
+    narrow.resize(start + text.size());
+    char* out = narrow.data() + start;
+    size_t at = 0;
+    for (; at < text.size(); ++at) {
+      char16_t unit = text[at];
+      if (IsSurrogate(unit)) break;
+      uint16_t byte = narrow_[unit];
+      if (byte == kNotAsked) byte = narrow_[unit] = Ask(unit);
+      if (byte == kNotSingleByte) break;
+      out[at] = static_cast<char>(byte);
+    }
+    narrow.resize(start + at);
+    return at;
+  }
+
+ private:
+  uint16_t Ask(char16_t unit) const {
+    std::string bytes = toNarrow_(name_, std::u16string_view(&unit, 1));
+    return bytes.size() == 1 ? static_cast<unsigned char>(bytes[0]) : kNotSingleByte;
+  }
+
+  std::string name_;
+  ExactToNarrow toNarrow_;
+  std::array<char16_t, 256> wide_{};
+  std::array<bool, 256> single_{};
+  std::vector<uint16_t> narrow_ = std::vector<uint16_t>(0x10000, kNotAsked);
+};
+
+bool IsSingleBytePage(const std::string& name) {
+  return std::find(std::begin(kSingleBytePages), std::end(kSingleBytePages), name) !=
+         std::end(kSingleBytePages);
+}
+
+// The pages this thread used; there are only a handful of names.
+SingleBytePage& PageFor(const std::string& name, const ExactConversions& exact) {
+  thread_local std::vector<std::unique_ptr<SingleBytePage>> pages;
+  for (auto& page : pages) {
+    if (page->Name() == name) return *page;
+  }
+  pages.push_back(std::make_unique<SingleBytePage>(name, exact));
+  return *pages.back();
+}
+
+}  // namespace
+
+size_t FastPrefixToWide(const std::string& iconvName, std::string_view bytes, std::u16string& wide,
+                        const ExactConversions& exact) {
+  if (iconvName == kUtf8Name) return Utf8Prefix(bytes, wide);
+  if (!IsSingleBytePage(iconvName)) return 0;
+  return PageFor(iconvName, exact).ToWide(bytes, wide);
+}
+
+size_t FastPrefixToNarrow(const std::string& iconvName, std::u16string_view text,
+                          std::string& narrow, const ExactConversions& exact) {
+  if (!IsSingleBytePage(iconvName)) return 0;
+  return PageFor(iconvName, exact).ToNarrow(text, narrow);
+}
+
+}  // namespace mailslice::platform

@@ -1,0 +1,36 @@
+// Fast paths of the code-page conversions for the common case: well-formed UTF-8 and the
+// single-byte Windows code pages the devices use. Each converts the longest start of its input
+// that it can convert exactly as iconv does and leaves the rest to iconv, so the result is the
+// same to the last unit, replacement characters included.
+#ifndef MAILSLICE_PLATFORM_CODE_PAGE_FAST_H
+#define MAILSLICE_PLATFORM_CODE_PAGE_FAST_H
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace mailslice::platform {
+
+// The exact (iconv) conversions of a whole text in the code page `iconvName`; the fast paths
+// ask them about single characters.
+using ExactToWide = std::u16string (*)(const std::string& iconvName, std::string_view bytes);
+using ExactToNarrow = std::string (*)(const std::string& iconvName, std::u16string_view text);
+struct ExactConversions {
+  ExactToWide toWide;
+  ExactToNarrow toNarrow;
+};
+
+// Appends to `wide` the conversion of the longest start of `bytes` that the fast path
+// converts exactly; returns the number of bytes taken (a character boundary).
+size_t FastPrefixToWide(const std::string& iconvName, std::string_view bytes, std::u16string& wide,
+                        const ExactConversions& exact);
+
+// Appends to `narrow` the conversion of the longest start of `text` that the fast path
+// converts exactly (a character the code page cannot hold becomes what iconv makes of it);
+// returns the number of units taken.
+size_t FastPrefixToNarrow(const std::string& iconvName, std::u16string_view text,
+                          std::string& narrow, const ExactConversions& exact);
+
+}  // namespace mailslice::platform
+
+#endif  // MAILSLICE_PLATFORM_CODE_PAGE_FAST_H
