@@ -214,9 +214,16 @@ std::string IconvToNarrow(const std::string& name, std::u16string_view text) {
   });
 }
 
+std::string IconvToNarrowUntilFailure(const std::string& name, std::u16string_view text) {
+  iconv_t descriptor = Converter(kUtf16Name, name);
+  return Run(descriptor, AsBytes(text), [](std::string_view, bool) {
+    return Refusal{0, {}, true};
+  });
+}
+
 // The fast paths convert up to where they cannot be sure and leave the rest to iconv (which
 // keeps no state across the cut in the code pages they take).
-constexpr ExactConversions kExactConversions{IconvToWide, IconvToNarrow};
+constexpr ExactConversions kExactConversions{IconvToWide, IconvToNarrow, IconvToNarrowUntilFailure};
 
 }  // namespace
 
@@ -238,6 +245,10 @@ std::string WideToMultiByteThroughIconv(unsigned codePage, std::u16string_view t
   return IconvToNarrow(IconvName(codePage), text);
 }
 
+std::string WideToMultiByteUntilFailureThroughIconv(std::u16string_view text) {
+  return IconvToNarrowUntilFailure(IconvName(kAnsiCodePage), text.substr(0, text.find(u'\0')));
+}
+
 std::u16string MultiByteToWide(unsigned codePage, std::string_view bytes) {
   std::string name = IconvName(codePage);
   std::u16string wide;
@@ -256,10 +267,11 @@ std::string WideToMultiByte(unsigned codePage, std::u16string_view text) {
 
 std::string WideToMultiByteUntilFailure(std::u16string_view text) {
   text = text.substr(0, text.find(u'\0'));
-  iconv_t descriptor = Converter(kUtf16Name, IconvName(kAnsiCodePage));
-  return Run(descriptor, AsBytes(text), [](std::string_view, bool) {
-    return Refusal{0, {}, true};
-  });
+  std::string name = IconvName(kAnsiCodePage);
+  std::string narrow;
+  size_t done = FastPrefixToNarrow(name, text, narrow, kExactConversions, true);
+  if (done < text.size()) narrow += IconvToNarrowUntilFailure(name, text.substr(done));
+  return narrow;
 }
 
 std::u16string AnsiToWide(std::string_view bytes) { return MultiByteToWide(kAnsiCodePage, bytes); }

@@ -34,10 +34,11 @@ std::string WideToMultiByteUntilFailure(std::u16string_view text);
 // (Shift_JIS as CP932, EUC-KR and ks_c_5601-1987 as CP949, ISO-8859-1 and US-ASCII as CP1252).
 std::optional<std::u16string> CharsetToWide(std::string_view charset, std::string_view bytes);
 
-// MultiByteToWide and WideToMultiByte done by iconv alone, without the fast paths for UTF-8
-// and single-byte code pages: the reference those are checked against.
+// MultiByteToWide, WideToMultiByte and WideToMultiByteUntilFailure done by iconv alone, without the
+// fast paths for UTF-8 and single-byte code pages: the reference those are checked against.
 std::u16string MultiByteToWideThroughIconv(unsigned codePage, std::string_view bytes);
 std::string WideToMultiByteThroughIconv(unsigned codePage, std::u16string_view text);
+std::string WideToMultiByteUntilFailureThroughIconv(std::u16string_view text);
 
 // Shorthands for the device ANSI code page.
 std::u16string AnsiToWide(std::string_view bytes);

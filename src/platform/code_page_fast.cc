@@ -20,6 +20,9 @@ constexpr uint64_t kHighBits = 0x8080808080808080ULL;
 constexpr size_t kWordBytes = sizeof(uint64_t);
 constexpr uint16_t kNotAsked = 0xFFFF;
 constexpr uint16_t kNotSingleByte = 0xFFFE;
+// Marks a character the page cannot hold; the low byte is what iconv writes instead.
+constexpr uint16_t kRefused = 0x100;
+constexpr uint16_t kByteMask = 0xFF;
 
 bool IsContinuation(unsigned char byte) { return (byte & 0xC0) == 0x80; }
 bool IsSurrogate(char32_t unit) { return unit >= 0xD800 && unit <= 0xDFFF; }
@@ -81,7 +84,7 @@ size_t Utf8Prefix(std::string_view bytes, std::u16string& wide) {
 class SingleBytePage {
  public:
   SingleBytePage(const std::string& name, const ExactConversions& exact)
-      : name_(name), toNarrow_(exact.toNarrow) {
+      : name_(name), exact_(exact) {
     for (unsigned byte = 0; byte < 256; ++byte) {
       std::u16string unit = exact.toWide(name, std::string(1, static_cast<char>(byte)));
       single_[byte] = unit.size() == 1;
@@ -105,7 +108,7 @@ class SingleBytePage {
     return at;
   }
 
-  size_t ToNarrow(std::u16string_view text, std::string& narrow) {
+  size_t ToNarrow(std::u16string_view text, std::string& narrow, bool untilFailure) {
     size_t start = narrow.size();
     narrow.resize(start + text.size());
     char* out = narrow.data() + start;
@@ -115,8 +118,8 @@ class SingleBytePage {
       if (IsSurrogate(unit)) break;
       uint16_t byte = narrow_[unit];
       if (byte == kNotAsked) byte = narrow_[unit] = Ask(unit);
-      if (byte == kNotSingleByte) break;
-      out[at] = static_cast<char>(byte);
+      if (byte == kNotSingleByte || (untilFailure && (byte & kRefused) != 0)) break;
+      out[at] = static_cast<char>(byte & kByteMask);
     }
     narrow.resize(start + at);
     return at;
@@ -124,12 +127,16 @@ class SingleBytePage {
 
  private:
   uint16_t Ask(char16_t unit) const {
-    std::string bytes = toNarrow_(name_, std::u16string_view(&unit, 1));
-    return bytes.size() == 1 ? static_cast<unsigned char>(bytes[0]) : kNotSingleByte;
+    std::u16string_view alone(&unit, 1);
+    std::string bytes = exact_.toNarrowUntilFailure(name_, alone);
+    if (bytes.size() == 1) return static_cast<unsigned char>(bytes[0]);
+    if (!bytes.empty()) return kNotSingleByte;
+    bytes = exact_.toNarrow(name_, alone);
+    return bytes.size() == 1 ? kRefused | static_cast<unsigned char>(bytes[0]) : kNotSingleByte;
   }
 
   std::string name_;
-  ExactToNarrow toNarrow_;
+  ExactConversions exact_;
   std::array<char16_t, 256> wide_{};
   std::array<bool, 256> single_{};
   std::vector<uint16_t> narrow_ = std::vector<uint16_t>(0x10000, kNotAsked);
@@ -160,9 +167,9 @@ size_t FastPrefixToWide(const std::string& iconvName, std::string_view bytes, st
 }
 
 size_t FastPrefixToNarrow(const std::string& iconvName, std::u16string_view text,
-                          std::string& narrow, const ExactConversions& exact) {
+                          std::string& narrow, const ExactConversions& exact, bool untilFailure) {
   if (!IsSingleBytePage(iconvName)) return 0;
-  return PageFor(iconvName, exact).ToNarrow(text, narrow);
+  return PageFor(iconvName, exact).ToNarrow(text, narrow, untilFailure);
 }
 
 }  // namespace mailslice::platform

@@ -18,6 +18,7 @@ using ExactToNarrow = std::string (*)(const std::string& iconvName, std::u16stri
 struct ExactConversions {
   ExactToWide toWide;
   ExactToNarrow toNarrow;
+  ExactToNarrow toNarrowUntilFailure;  // stops at the first character the page cannot hold
 };
 
 // Appends to `wide` the conversion of the longest start of `bytes` that the fast path
@@ -26,10 +27,11 @@ size_t FastPrefixToWide(const std::string& iconvName, std::string_view bytes, st
                         const ExactConversions& exact);
 
 // Appends to `narrow` the conversion of the longest start of `text` that the fast path
-// converts exactly (a character the code page cannot hold becomes what iconv makes of it);
-// returns the number of units taken.
+// converts exactly (a character the code page cannot hold becomes what iconv makes of it, or,
+// with `untilFailure`, ends the prefix); returns the number of units taken.
 size_t FastPrefixToNarrow(const std::string& iconvName, std::u16string_view text,
-                          std::string& narrow, const ExactConversions& exact);
+                          std::string& narrow, const ExactConversions& exact,
+                          bool untilFailure = false);
 
 }  // namespace mailslice::platform
 

@@ -61,6 +61,8 @@ TEST(CodePageFastTest, RandomTextsConvertAsThroughIconv) {
     for (const char* page : kSingleBytePages) {
       ScopedEnv codePage("MAILSLICE_CODEPAGE", page);
       ASSERT_EQ(WideToAnsi(wide), WideToMultiByteThroughIconv(kAnsiCodePage, wide)) << page;
+      ASSERT_EQ(WideToMultiByteUntilFailure(wide), WideToMultiByteUntilFailureThroughIconv(wide))
+          << page;
       ASSERT_EQ(AnsiToWide(text), MultiByteToWideThroughIconv(kAnsiCodePage, text)) << page;
     }
   }
@@ -82,12 +84,16 @@ TEST(CodePageFastTest, SingleBytePagesConvertEveryCharacterAsIconvDoes) {
       std::u16string text = u"x" + Unit(unit) + u"y";
       ASSERT_EQ(WideToAnsi(text), WideToMultiByteThroughIconv(kAnsiCodePage, text))
           << page << " " << unit;
+      ASSERT_EQ(WideToMultiByteUntilFailure(text), WideToMultiByteUntilFailureThroughIconv(text))
+          << page << " " << unit;
     }
     std::u16string surrogates =
         u"a\xD83D\xDE00"
         u"b\xDC00"
         u"c\xD800";
     ASSERT_EQ(WideToAnsi(surrogates), WideToMultiByteThroughIconv(kAnsiCodePage, surrogates));
+    ASSERT_EQ(WideToMultiByteUntilFailure(surrogates),
+              WideToMultiByteUntilFailureThroughIconv(surrogates));
   }
 }
 
