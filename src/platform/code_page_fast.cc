@@ -2,10 +2,15 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdint>
 #include <cstring>
 #include <memory>
 #include <vector>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace mailslice::platform {
 namespace {
@@ -16,8 +21,7 @@ constexpr std::string_view kUtf8Name = "UTF-8";
 // converts the same alone as inside a text.
 constexpr std::string_view kSingleBytePages[] = {"CP1250", "CP1251", "CP1252", "CP1256"};
 
-constexpr uint64_t kHighBits = 0x8080808080808080ULL;
-constexpr size_t kWordBytes = sizeof(uint64_t);
+constexpr size_t kBlockBytes = 16;
 constexpr uint16_t kNotAsked = 0xFFFF;
 constexpr uint16_t kNotSingleByte = 0xFFFE;
 // Marks a character the page cannot hold; the low byte is what iconv writes instead.
@@ -27,18 +31,49 @@ constexpr uint16_t kByteMask = 0xFF;
 bool IsContinuation(unsigned char byte) { return (byte & 0xC0) == 0x80; }
 bool IsSurrogate(char32_t unit) { return unit >= 0xD800 && unit <= 0xDFFF; }
 
-// Widens a run of ASCII bytes a word at a time; returns how many it took.
+// Widens a run of ASCII bytes; returns how many it took. With SSE2, sixteen bytes at a time:
+// the block that holds the first other byte is widened whole, which the caller's room for
+// `size` units allows, and only its ASCII start counts.
 size_t WidenAscii(const unsigned char* in, size_t size, char16_t* out) {
   size_t done = 0;
-  while (size - done >= kWordBytes) {
-    uint64_t word;
-    std::memcpy(&word, in + done, kWordBytes);
-    if ((word & kHighBits) != 0) break;
-    for (size_t k = 0; k < kWordBytes; ++k) out[done + k] = in[done + k];
-    done += kWordBytes;
+#ifdef __SSE2__
+  const __m128i zero = _mm_setzero_si128();
+  while (size - done >= kBlockBytes) {
+    __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + done));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out + done), _mm_unpacklo_epi8(block, zero));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out + done + kBlockBytes / 2),
+                     _mm_unpackhi_epi8(block, zero));
+    auto high = static_cast<unsigned>(_mm_movemask_epi8(block));
+    if (high != 0) return done + static_cast<size_t>(std::countr_zero(high));
+    done += kBlockBytes;
   }
+#endif
   while (done < size && in[done] < 0x80) {
     out[done] = in[done];
+    ++done;
+  }
+  return done;
+}
+
+// Narrows a run of ASCII units; returns how many it took (sixteen at a time as above).
+size_t NarrowAscii(const char16_t* in, size_t size, char* out) {
+  size_t done = 0;
+#ifdef __SSE2__
+  while (size - done >= kBlockBytes) {
+    __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + done));
+    __m128i high = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + done + kBlockBytes / 2));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out + done), _mm_packus_epi16(low, high));
+    const __m128i notAscii = _mm_set1_epi16(static_cast<int16_t>(0xFF80));
+    const __m128i zero = _mm_setzero_si128();
+    __m128i asciiUnits = _mm_packs_epi16(_mm_cmpeq_epi16(_mm_and_si128(low, notAscii), zero),
+                                         _mm_cmpeq_epi16(_mm_and_si128(high, notAscii), zero));
+    auto other = ~static_cast<unsigned>(_mm_movemask_epi8(asciiUnits)) & 0xFFFFu;
+    if (other != 0) return done + static_cast<size_t>(std::countr_zero(other));
+    done += kBlockBytes;
+  }
+#endif
+  while (done < size && in[done] < 0x80) {
+    out[done] = static_cast<char>(in[done]);
     ++done;
   }
   return done;
@@ -90,6 +125,10 @@ class SingleBytePage {
       single_[byte] = unit.size() == 1;
       wide_[byte] = single_[byte] ? unit[0] : 0;
     }
+    for (char16_t ascii = 0; ascii < 0x80; ++ascii) {
+      asciiBothWays_ = asciiBothWays_ && single_[ascii] && wide_[ascii] == ascii &&
+                       (narrow_[ascii] = Ask(ascii)) == ascii;
+    }
   }
 
   const std::string& Name() const { return name_; }
@@ -98,11 +137,13 @@ class SingleBytePage {
     size_t start = wide.size();
     wide.resize(start + bytes.size());
     char16_t* out = wide.data() + start;
+    const auto* in = reinterpret_cast<const unsigned char*>(bytes.data());
     size_t at = 0;
-    for (; at < bytes.size(); ++at) {
-      auto byte = static_cast<unsigned char>(bytes[at]);
-      if (!single_[byte]) break;
-      out[at] = wide_[byte];
+    while (at < bytes.size()) {
+      if (asciiBothWays_) at += WidenAscii(in + at, bytes.size() - at, out + at);
+      if (at == bytes.size() || !single_[in[at]]) break;
+      out[at] = wide_[in[at]];
+      ++at;
     }
     wide.resize(start + at);
     return at;
@@ -114,6 +155,8 @@ class SingleBytePage {
     char* out = narrow.data() + start;
     size_t at = 0;
     for (; at < text.size(); ++at) {
+      if (asciiBothWays_) at += NarrowAscii(text.data() + at, text.size() - at, out + at);
+      if (at == text.size()) break;
       char16_t unit = text[at];
       if (IsSurrogate(unit)) break;
       uint16_t byte = narrow_[unit];
@@ -139,6 +182,8 @@ class SingleBytePage {
   ExactConversions exact_;
   std::array<char16_t, 256> wide_{};
   std::array<bool, 256> single_{};
+  // ASCII reads and writes as itself, so runs of it are copied without the tables.
+  bool asciiBothWays_ = true;
   std::vector<uint16_t> narrow_ = std::vector<uint16_t>(0x10000, kNotAsked);
 };
 
