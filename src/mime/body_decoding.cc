@@ -55,9 +55,8 @@ CString FromUtf8ThroughDevice(std::string_view text) {
   if (text.starts_with(kUtf8ByteOrderMark)) text.remove_prefix(kUtf8ByteOrderMark.size());
   std::u16string wide = platform::MultiByteToWide(platform::kUtf8CodePage, text);
   // There the narrowing stops at the first character that the code page cannot hold.
-  return Widened(platform::LanguageCode() == codec::kWcstombsLanguage
-                     ? platform::WideToMultiByteUntilFailure(wide)
-                     : platform::WideToMultiByte(platform::kAnsiCodePage, wide));
+  bool untilFailure = platform::LanguageCode() == codec::kWcstombsLanguage;
+  return CString(platform::WideThroughAnsi(std::move(wide), untilFailure));
 }
 
 CString ForJapaneseDevice(std::string_view text, const CString& charset) {

@@ -274,6 +274,22 @@ std::string WideToMultiByteUntilFailure(std::u16string_view text) {
   return narrow;
 }
 
+std::u16string WideThroughAnsi(std::u16string text, bool untilFailure) {
+  std::string name = IconvName(kAnsiCodePage);
+  bool cut = false;
+  size_t done = FastRoundTrip(name, text, untilFailure, cut, kExactConversions);
+  if (cut || done == text.size()) {
+    text.resize(done);
+    return text;
+  }
+  std::u16string_view rest = std::u16string_view(text).substr(done);
+  std::string narrow =
+      untilFailure ? WideToMultiByteUntilFailure(rest) : WideToMultiByte(kAnsiCodePage, rest);
+  std::u16string back = AnsiToWide(std::string_view(narrow).substr(0, narrow.find('\0')));
+  text.resize(done);
+  return text.append(back);
+}
+
 std::u16string AnsiToWide(std::string_view bytes) { return MultiByteToWide(kAnsiCodePage, bytes); }
 
 std::string WideToAnsi(std::u16string_view text) { return WideToMultiByte(kAnsiCodePage, text); }

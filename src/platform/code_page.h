@@ -40,6 +40,11 @@ std::u16string MultiByteToWideThroughIconv(unsigned codePage, std::string_view b
 std::string WideToMultiByteThroughIconv(unsigned codePage, std::u16string_view text);
 std::string WideToMultiByteUntilFailureThroughIconv(std::u16string_view text);
 
+// `text` narrowed to the device ANSI code page (as WideToMultiByte narrows it, or with
+// `untilFailure` as WideToMultiByteUntilFailure does) and widened back up to the first NUL:
+// what a device that keeps text in its code page shows of it.
+std::u16string WideThroughAnsi(std::u16string text, bool untilFailure);
+
 // Shorthands for the device ANSI code page.
 std::u16string AnsiToWide(std::string_view bytes);
 std::string WideToAnsi(std::u16string_view text);

@@ -79,6 +79,26 @@ size_t NarrowAscii(const char16_t* in, size_t size, char* out) {
   return done;
 }
 
+// The length of the run of ASCII units other than NUL at the start of `units`.
+size_t SkipAsciiButNul(const char16_t* units, size_t size) {
+  size_t done = 0;
+#ifdef __SSE2__
+  const __m128i notAscii = _mm_set1_epi16(static_cast<int16_t>(0xFF80));
+  const __m128i zero = _mm_setzero_si128();
+  while (size - done >= kBlockBytes / 2) {
+    __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(units + done));
+    __m128i stops = _mm_or_si128(
+        _mm_cmpeq_epi16(block, zero),
+        _mm_xor_si128(_mm_cmpeq_epi16(_mm_and_si128(block, notAscii), zero), _mm_set1_epi16(-1)));
+    auto stop = static_cast<unsigned>(_mm_movemask_epi8(stops));
+    if (stop != 0) return done + static_cast<size_t>(std::countr_zero(stop)) / 2;
+    done += kBlockBytes / 2;
+  }
+#endif
+  while (done < size && units[done] < 0x80 && units[done] != 0) ++done;
+  return done;
+}
+
 // Well-formed UTF-8 of the Basic Multilingual Plane, surrogates excepted; anything else
 // (malformed bytes, a character beyond the plane) is left to iconv.
 size_t Utf8Prefix(std::string_view bytes, std::u16string& wide) {
@@ -168,6 +188,29 @@ class SingleBytePage {
     return at;
   }
 
+  // Rewrites the units of `text` in place as they read once narrowed and widened back, up to
+  // the first unit it is unsure of or, setting `cut`, the first that narrows to NUL; returns
+  // how many it rewrote.
+  size_t RoundTrip(std::u16string& text, bool untilFailure, bool& cut) {
+    char16_t* units = text.data();
+    size_t size = text.size(), at = 0;
+    while (at < size) {
+      if (asciiBothWays_) at += SkipAsciiButNul(units + at, size - at);
+      if (at == size || IsSurrogate(units[at])) break;
+      uint16_t byte = narrow_[units[at]];
+      if (byte == kNotAsked) byte = narrow_[units[at]] = Ask(units[at]);
+      if (byte == kNotSingleByte || (untilFailure && (byte & kRefused) != 0)) break;
+      byte &= kByteMask;
+      if (byte == 0) {
+        cut = true;
+        break;
+      }
+      if (!single_[byte]) break;
+      units[at++] = wide_[byte];
+    }
+    return at;
+  }
+
  private:
   uint16_t Ask(char16_t unit) const {
     std::u16string_view alone(&unit, 1);
@@ -215,6 +258,17 @@ size_t FastPrefixToNarrow(const std::string& iconvName, std::u16string_view text
                           std::string& narrow, const ExactConversions& exact, bool untilFailure) {
   if (!IsSingleBytePage(iconvName)) return 0;
   return PageFor(iconvName, exact).ToNarrow(text, narrow, untilFailure);
+}
+
+}  // namespace mailslice::platform
+
+namespace mailslice::platform {
+
+size_t FastRoundTrip(const std::string& iconvName, std::u16string& text, bool untilFailure,
+                     bool& cut, const ExactConversions& exact) {
+  cut = false;
+  if (!IsSingleBytePage(iconvName)) return 0;
+  return PageFor(iconvName, exact).RoundTrip(text, untilFailure, cut);
 }
 
 }  // namespace mailslice::platform

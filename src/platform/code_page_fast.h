@@ -33,6 +33,12 @@ size_t FastPrefixToNarrow(const std::string& iconvName, std::u16string_view text
                           std::string& narrow, const ExactConversions& exact,
                           bool untilFailure = false);
 
+// Rewrites the start of `text` in place with what it reads as once narrowed to the page (as by
+// FastPrefixToNarrow) and widened back; stops at the first unit it cannot convert exactly, or,
+// setting `cut`, at the first that narrows to NUL. Returns the number of units rewritten.
+size_t FastRoundTrip(const std::string& iconvName, std::u16string& text, bool untilFailure,
+                     bool& cut, const ExactConversions& exact);
+
 }  // namespace mailslice::platform
 
 #endif  // MAILSLICE_PLATFORM_CODE_PAGE_FAST_H

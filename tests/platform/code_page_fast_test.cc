@@ -97,5 +97,41 @@ TEST(CodePageFastTest, SingleBytePagesConvertEveryCharacterAsIconvDoes) {
   }
 }
 
+// Narrowed and widened back in one go, as the two conversions one after the other give it.
+std::u16string ThroughAnsiInTwoSteps(std::u16string_view text, bool untilFailure) {
+  std::string narrow = untilFailure ? WideToMultiByteUntilFailureThroughIconv(text)
+                                    : WideToMultiByteThroughIconv(kAnsiCodePage, text);
+  return MultiByteToWideThroughIconv(kAnsiCodePage, narrow.substr(0, narrow.find('\0')));
+}
+
+TEST(CodePageFastTest, RoundTripThroughTheDevicePageMatchesTheTwoConversions) {
+  std::u16string below, above;  // the surrogates hand the rest to iconv
+  for (unsigned unit = 1; unit < 0xD800; ++unit) below += static_cast<char16_t>(unit);
+  for (unsigned unit = 0xE000; unit < 0x10000; ++unit) above += static_cast<char16_t>(unit);
+  const std::u16string texts[] = {below,
+                                  above,
+                                  u"plain text, long enough for a block or two",
+                                  std::u16string(u"ab\0cd\u00E9", 6),
+                                  u"caf\u00E9 \u65E5 x",
+                                  u"a\xD83D\xDE00"
+                                  u"b\xDC00"
+                                  u"c\xD800",
+                                  u"",
+                                  u"\u0100 tail"};
+  for (const char* page : {"CP1250", "CP1251", "CP1252", "CP1256", "CP932"}) {
+    ScopedEnv codePage("MAILSLICE_CODEPAGE", page);
+    for (const std::u16string& text : texts) {
+      for (bool untilFailure : {false, true}) {
+        ASSERT_EQ(WideThroughAnsi(text, untilFailure), ThroughAnsiInTwoSteps(text, untilFailure))
+            << page << " " << untilFailure << " " << text.size();
+      }
+    }
+    for (unsigned unit = 0; unit < 0x10000; ++unit) {
+      std::u16string text = u"x" + Unit(unit) + u"y";
+      ASSERT_EQ(WideThroughAnsi(text, true), ThroughAnsiInTwoSteps(text, true)) << unit;
+    }
+  }
+}
+
 }  // namespace
 }  // namespace mailslice::platform
