@@ -99,38 +99,53 @@ size_t SkipAsciiButNul(const char16_t* units, size_t size) {
   return done;
 }
 
+// Decodes one well-formed UTF-8 character of two or three bytes at `in` (of `left` bytes)
+// into `out`; returns its length, or 0 when it is not one.
+size_t DecodeMultiByte(const unsigned char* in, size_t left, char16_t* out) {
+  unsigned char lead = in[0];
+  if (lead >= 0xC2 && lead <= 0xDF && left >= 2 && IsContinuation(in[1])) {
+    *out = static_cast<char16_t>((lead & 0x1F) << 6 | (in[1] & 0x3F));
+    return 2;
+  }
+  if (lead >= 0xE0 && lead <= 0xEF && left >= 3 && IsContinuation(in[1]) && IsContinuation(in[2])) {
+    char32_t unit = (lead & 0x0Fu) << 12 | (in[1] & 0x3Fu) << 6 | (in[2] & 0x3Fu);
+    if (unit >= 0x800 && !IsSurrogate(unit)) {
+      *out = static_cast<char16_t>(unit);
+      return 3;
+    }
+  }
+  return 0;
+}
+
 // Well-formed UTF-8 of the Basic Multilingual Plane, surrogates excepted; anything else
-// (malformed bytes, a character beyond the plane) is left to iconv.
+// (malformed bytes, a character beyond the plane) is left to iconv. The units are gathered in
+// a small buffer and appended, so the (possibly large) result is written once, not cleared
+// first.
 size_t Utf8Prefix(std::string_view bytes, std::u16string& wide) {
-  size_t start = wide.size();
-  wide.resize(start + bytes.size());
-  char16_t* out = wide.data() + start;
+  constexpr size_t kBufferUnits = 4096;
+  char16_t buffer[kBufferUnits];
+  wide.reserve(wide.size() + bytes.size());
   const auto* in = reinterpret_cast<const unsigned char*>(bytes.data());
   size_t size = bytes.size(), at = 0;
-  while (at < size) {
-    size_t ascii = WidenAscii(in + at, size - at, out);
-    at += ascii;
-    out += ascii;
-    if (at == size) break;
-    unsigned char lead = in[at];
-    size_t left = size - at;
-    if (lead >= 0xC2 && lead <= 0xDF && left >= 2 && IsContinuation(in[at + 1])) {
-      *out++ = static_cast<char16_t>((lead & 0x1F) << 6 | (in[at + 1] & 0x3F));
-      at += 2;
-      continue;
-    }
-    if (lead >= 0xE0 && lead <= 0xEF && left >= 3 && IsContinuation(in[at + 1]) &&
-        IsContinuation(in[at + 2])) {
-      char32_t unit = (lead & 0x0Fu) << 12 | (in[at + 1] & 0x3Fu) << 6 | (in[at + 2] & 0x3Fu);
-      if (unit >= 0x800 && !IsSurrogate(unit)) {
-        *out++ = static_cast<char16_t>(unit);
-        at += 3;
-        continue;
+  bool stopped = false;
+  while (at < size && !stopped) {
+    size_t filled = 0;
+    while (at < size && filled < kBufferUnits) {
+      size_t ascii =
+          WidenAscii(in + at, std::min(size - at, kBufferUnits - filled), buffer + filled);
+      at += ascii;
+      filled += ascii;
+      if (at == size || filled == kBufferUnits || in[at] < 0x80) continue;
+      size_t taken = DecodeMultiByte(in + at, size - at, buffer + filled);
+      if (taken == 0) {
+        stopped = true;
+        break;
       }
+      at += taken;
+      ++filled;
     }
-    break;
+    wide.append(buffer, filled);
   }
-  wide.resize(static_cast<size_t>(out - wide.data()));
   return at;
 }
 
