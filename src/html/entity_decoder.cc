@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "html/entity_tables.h"
+#include "platform/wide_search.h"
 
 namespace mailslice::html {
 namespace {
@@ -105,7 +106,8 @@ std::u16string DecodeReferences(std::u16string_view text) {
   std::u16string out;
   out.reserve(text.size());
   size_t copyFrom = 0;
-  for (size_t open; (open = text.find(kReferenceOpen, copyFrom)) != std::u16string_view::npos;) {
+  for (size_t open;
+       (open = platform::FindUnit(text, kReferenceOpen, copyFrom)) != std::u16string_view::npos;) {
     out.append(text.substr(copyFrom, open - copyFrom));
     copyFrom = AppendDecodedReference(text, open, out);
   }
@@ -119,8 +121,8 @@ std::u16string RemoveTagSpans(std::u16string_view text) {
   out.reserve(text.size());
   size_t copyFrom = 0;
   while (true) {
-    size_t open = text.find(u'<', copyFrom);
-    size_t close = open == std::u16string_view::npos ? open : text.find(u'>', open);
+    size_t open = platform::FindUnit(text, u'<', copyFrom);
+    size_t close = open == std::u16string_view::npos ? open : platform::FindUnit(text, u'>', open);
     if (close == std::u16string_view::npos) break;
     out.append(text.substr(copyFrom, open - copyFrom));
     copyFrom = close + 1;

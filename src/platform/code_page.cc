@@ -13,6 +13,7 @@
 
 #include "platform/code_page_fast.h"
 #include "platform/device_settings.h"
+#include "platform/wide_search.h"
 
 namespace mailslice::platform {
 namespace {
@@ -266,7 +267,7 @@ std::string WideToMultiByte(unsigned codePage, std::u16string_view text) {
 }
 
 std::string WideToMultiByteUntilFailure(std::u16string_view text) {
-  text = text.substr(0, text.find(u'\0'));
+  text = text.substr(0, FindUnit(text, u'\0'));
   std::string name = IconvName(kAnsiCodePage);
   std::string narrow;
   size_t done = FastPrefixToNarrow(name, text, narrow, kExactConversions, true);
