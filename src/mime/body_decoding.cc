@@ -53,10 +53,9 @@ CString FromUtf8ThroughDevice(std::string_view text) {
   text = text.substr(0, text.find('\0'));
   // Text saved by Windows editors starts with a byte order mark; it is left out.
   if (text.starts_with(kUtf8ByteOrderMark)) text.remove_prefix(kUtf8ByteOrderMark.size());
-  std::u16string wide = platform::MultiByteToWide(platform::kUtf8CodePage, text);
   // There the narrowing stops at the first character that the code page cannot hold.
   bool untilFailure = platform::LanguageCode() == codec::kWcstombsLanguage;
-  return CString(platform::WideThroughAnsi(std::move(wide), untilFailure));
+  return CString(platform::Utf8ThroughAnsi(text, untilFailure));
 }
 
 CString ForJapaneseDevice(std::string_view text, const CString& charset) {

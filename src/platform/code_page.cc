@@ -291,6 +291,16 @@ std::u16string WideThroughAnsi(std::u16string text, bool untilFailure) {
   return text.append(back);
 }
 
+std::u16string Utf8ThroughAnsi(std::string_view utf8, bool untilFailure) {
+  std::u16string shown, pending;
+  bool cut = false;
+  size_t taken = FastUtf8ThroughPage(IconvName(kAnsiCodePage), utf8, untilFailure, shown, pending,
+                                     cut, kExactConversions);
+  if (cut || (taken == utf8.size() && pending.empty())) return shown;
+  pending += MultiByteToWide(kUtf8CodePage, utf8.substr(taken));
+  return shown.append(WideThroughAnsi(std::move(pending), untilFailure));
+}
+
 std::u16string AnsiToWide(std::string_view bytes) { return MultiByteToWide(kAnsiCodePage, bytes); }
 
 std::string WideToAnsi(std::u16string_view text) { return WideToMultiByte(kAnsiCodePage, text); }

@@ -45,6 +45,9 @@ std::string WideToMultiByteUntilFailureThroughIconv(std::u16string_view text);
 // what a device that keeps text in its code page shows of it.
 std::u16string WideThroughAnsi(std::u16string text, bool untilFailure);
 
+// UTF-8 text read as MultiByteToWide reads it, then passed through WideThroughAnsi.
+std::u16string Utf8ThroughAnsi(std::string_view utf8, bool untilFailure);
+
 // Shorthands for the device ANSI code page.
 std::u16string AnsiToWide(std::string_view bytes);
 std::string WideToAnsi(std::u16string_view text);

@@ -119,12 +119,12 @@ size_t DecodeMultiByte(const unsigned char* in, size_t left, char16_t* out) {
 
 // Well-formed UTF-8 of the Basic Multilingual Plane, surrogates excepted; anything else
 // (malformed bytes, a character beyond the plane) is left to iconv. The units are gathered in
-// a small buffer and appended, so the (possibly large) result is written once, not cleared
-// first.
-size_t Utf8Prefix(std::string_view bytes, std::u16string& wide) {
+// a small buffer handed to `flush` (which returns false to stop), so a large result is written
+// once, not cleared first. Returns the bytes decoded.
+template <typename Flush>
+size_t DecodeUtf8InBlocks(std::string_view bytes, Flush flush) {
   constexpr size_t kBufferUnits = 4096;
   char16_t buffer[kBufferUnits];
-  wide.reserve(wide.size() + bytes.size());
   const auto* in = reinterpret_cast<const unsigned char*>(bytes.data());
   size_t size = bytes.size(), at = 0;
   bool stopped = false;
@@ -144,9 +144,17 @@ size_t Utf8Prefix(std::string_view bytes, std::u16string& wide) {
       at += taken;
       ++filled;
     }
-    wide.append(buffer, filled);
+    if (!flush(buffer, filled)) break;
   }
   return at;
+}
+
+size_t Utf8Prefix(std::string_view bytes, std::u16string& wide) {
+  wide.reserve(wide.size() + bytes.size());
+  return DecodeUtf8InBlocks(bytes, [&](const char16_t* units, size_t count) {
+    wide.append(units, count);
+    return true;
+  });
 }
 
 // What iconv makes of each character of one single-byte code page, asked once per byte and
@@ -203,12 +211,11 @@ class SingleBytePage {
     return at;
   }
 
-  // Rewrites the units of `text` in place as they read once narrowed and widened back, up to
+  // Rewrites `units` in place as they read once narrowed and widened back, up to
   // the first unit it is unsure of or, setting `cut`, the first that narrows to NUL; returns
   // how many it rewrote.
-  size_t RoundTrip(std::u16string& text, bool untilFailure, bool& cut) {
-    char16_t* units = text.data();
-    size_t size = text.size(), at = 0;
+  size_t RoundTrip(char16_t* units, size_t size, bool untilFailure, bool& cut) {
+    size_t at = 0;
     while (at < size) {
       if (asciiBothWays_) at += SkipAsciiButNul(units + at, size - at);
       if (at == size || IsSurrogate(units[at])) break;
@@ -283,7 +290,23 @@ size_t FastRoundTrip(const std::string& iconvName, std::u16string& text, bool un
                      bool& cut, const ExactConversions& exact) {
   cut = false;
   if (!IsSingleBytePage(iconvName)) return 0;
-  return PageFor(iconvName, exact).RoundTrip(text, untilFailure, cut);
+  return PageFor(iconvName, exact).RoundTrip(text.data(), text.size(), untilFailure, cut);
+}
+
+size_t FastUtf8ThroughPage(const std::string& iconvName, std::string_view utf8, bool untilFailure,
+                           std::u16string& shown, std::u16string& pending, bool& cut,
+                           const ExactConversions& exact) {
+  cut = false;
+  if (!IsSingleBytePage(iconvName)) return 0;
+  SingleBytePage& page = PageFor(iconvName, exact);
+  shown.reserve(shown.size() + utf8.size());
+  return DecodeUtf8InBlocks(utf8, [&](char16_t* units, size_t count) {
+    size_t done = page.RoundTrip(units, count, untilFailure, cut);
+    shown.append(units, done);
+    if (done == count) return true;
+    if (!cut) pending.assign(units + done, count - done);
+    return false;
+  });
 }
 
 }  // namespace mailslice::platform

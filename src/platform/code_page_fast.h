@@ -39,6 +39,14 @@ size_t FastPrefixToNarrow(const std::string& iconvName, std::u16string_view text
 size_t FastRoundTrip(const std::string& iconvName, std::u16string& text, bool untilFailure,
                      bool& cut, const ExactConversions& exact);
 
+// UTF-8 decoded as FastPrefixToWide decodes it and passed through FastRoundTrip, a block at a
+// time. Appends the finished units to `shown`; the units decoded but not passed through are
+// put in `pending`. Returns the bytes decoded (into `shown` and `pending`); on `cut`, `shown` is
+// the whole result.
+size_t FastUtf8ThroughPage(const std::string& iconvName, std::string_view utf8, bool untilFailure,
+                           std::u16string& shown, std::u16string& pending, bool& cut,
+                           const ExactConversions& exact);
+
 }  // namespace mailslice::platform
 
 #endif  // MAILSLICE_PLATFORM_CODE_PAGE_FAST_H

@@ -133,5 +133,35 @@ TEST(CodePageFastTest, RoundTripThroughTheDevicePageMatchesTheTwoConversions) {
   }
 }
 
+// Long texts cross the blocks the fused path decodes in; the pieces bring every way out of it.
+TEST(CodePageFastTest, Utf8ThroughTheDevicePageMatchesTheStepsOneByOne) {
+  std::mt19937 random(4711);
+  const std::string pieces[] = {std::string(300, 'x'),
+                                "caf\xC3\xA9 ",
+                                "\xE2\x82\xAC",
+                                "\xE6\x97\xA5",
+                                "\xC4\x80",
+                                "\xC3",
+                                "\xFF",
+                                "\xF0\x9F\x98\x80",
+                                std::string(1, '\0'),
+                                "\r\n"};
+  for (const char* page : {"CP1250", "CP1252", "CP932"}) {
+    ScopedEnv codePage("MAILSLICE_CODEPAGE", page);
+    for (int round = 0; round < 60; ++round) {
+      std::string text;
+      size_t length = random() % 12000;
+      while (text.size() < length) {
+        text += pieces[random() % 4 == 0 ? random() % std::size(pieces) : random() % 3];
+      }
+      for (bool untilFailure : {false, true}) {
+        std::u16string wide = MultiByteToWideThroughIconv(kUtf8CodePage, text);
+        ASSERT_EQ(Utf8ThroughAnsi(text, untilFailure), ThroughAnsiInTwoSteps(wide, untilFailure))
+            << page << " " << untilFailure << " " << round;
+      }
+    }
+  }
+}
+
 }  // namespace
 }  // namespace mailslice::platform
