@@ -292,13 +292,12 @@ std::u16string WideThroughAnsi(std::u16string text, bool untilFailure) {
 }
 
 std::u16string Utf8ThroughAnsi(std::string_view utf8, bool untilFailure) {
-  std::u16string shown, pending;
-  bool cut = false;
-  size_t taken = FastUtf8ThroughPage(IconvName(kAnsiCodePage), utf8, untilFailure, shown, pending,
-                                     cut, kExactConversions);
-  if (cut || (taken == utf8.size() && pending.empty())) return shown;
-  pending += MultiByteToWide(kUtf8CodePage, utf8.substr(taken));
-  return shown.append(WideThroughAnsi(std::move(pending), untilFailure));
+  std::u16string shown;
+  size_t taken =
+      FastUtf8ThroughPage(IconvName(kAnsiCodePage), utf8, untilFailure, shown, kExactConversions);
+  if (taken == utf8.size()) return shown;
+  std::u16string rest = MultiByteToWide(kUtf8CodePage, utf8.substr(taken));
+  return shown.append(WideThroughAnsi(std::move(rest), untilFailure));
 }
 
 std::u16string AnsiToWide(std::string_view bytes) { return MultiByteToWide(kAnsiCodePage, bytes); }

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #ifdef __SSE2__
@@ -27,6 +28,10 @@ constexpr uint16_t kNotSingleByte = 0xFFFE;
 // Marks a character the page cannot hold; the low byte is what iconv writes instead.
 constexpr uint16_t kRefused = 0x100;
 constexpr uint16_t kByteMask = 0xFF;
+// In the table of what units show as: a unit to look at closely (not met yet, or not shown as
+// one plain unit).
+constexpr char16_t kLookCloser = 0xFFFF;
+constexpr size_t kUnitsPerBlock = 8;
 
 bool IsContinuation(unsigned char byte) { return (byte & 0xC0) == 0x80; }
 bool IsSurrogate(char32_t unit) { return unit >= 0xD800 && unit <= 0xDFFF; }
@@ -34,6 +39,8 @@ bool IsSurrogate(char32_t unit) { return unit >= 0xD800 && unit <= 0xDFFF; }
 // Widens a run of ASCII bytes; returns how many it took. With SSE2, sixteen bytes at a time:
 // the block that holds the first other byte is widened whole, which the caller's room for
 // `size` units allows, and only its ASCII start counts.
+// With `kStopAtNul`, a NUL byte ends the run too.
+template <bool kStopAtNul = false>
 size_t WidenAscii(const unsigned char* in, size_t size, char16_t* out) {
   size_t done = 0;
 #ifdef __SSE2__
@@ -44,11 +51,12 @@ size_t WidenAscii(const unsigned char* in, size_t size, char16_t* out) {
     _mm_storeu_si128(reinterpret_cast<__m128i*>(out + done + kBlockBytes / 2),
                      _mm_unpackhi_epi8(block, zero));
     auto high = static_cast<unsigned>(_mm_movemask_epi8(block));
+    if (kStopAtNul) high |= static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(block, zero)));
     if (high != 0) return done + static_cast<size_t>(std::countr_zero(high));
     done += kBlockBytes;
   }
 #endif
-  while (done < size && in[done] < 0x80) {
+  while (done < size && in[done] < 0x80 && !(kStopAtNul && in[done] == 0)) {
     out[done] = in[done];
     ++done;
   }
@@ -79,24 +87,24 @@ size_t NarrowAscii(const char16_t* in, size_t size, char* out) {
   return done;
 }
 
-// The length of the run of ASCII units other than NUL at the start of `units`.
-size_t SkipAsciiButNul(const char16_t* units, size_t size) {
-  size_t done = 0;
+// Two bits for each of the eight units at `units` that is not ASCII, or is NUL.
+unsigned OtherThanAsciiBits(const char16_t* units) {
 #ifdef __SSE2__
-  const __m128i notAscii = _mm_set1_epi16(static_cast<int16_t>(0xFF80));
   const __m128i zero = _mm_setzero_si128();
-  while (size - done >= kBlockBytes / 2) {
-    __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(units + done));
-    __m128i stops = _mm_or_si128(
-        _mm_cmpeq_epi16(block, zero),
-        _mm_xor_si128(_mm_cmpeq_epi16(_mm_and_si128(block, notAscii), zero), _mm_set1_epi16(-1)));
-    auto stop = static_cast<unsigned>(_mm_movemask_epi8(stops));
-    if (stop != 0) return done + static_cast<size_t>(std::countr_zero(stop)) / 2;
-    done += kBlockBytes / 2;
+  __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(units));
+  __m128i other = _mm_or_si128(
+      _mm_cmpeq_epi16(block, zero),
+      _mm_andnot_si128(
+          _mm_cmpeq_epi16(_mm_and_si128(block, _mm_set1_epi16(static_cast<int16_t>(0xFF80))), zero),
+          _mm_set1_epi16(-1)));
+  return static_cast<unsigned>(_mm_movemask_epi8(other));
+#else
+  unsigned bits = 0;
+  for (size_t k = 0; k < kUnitsPerBlock; ++k) {
+    if (units[k] == 0 || units[k] >= 0x80) bits |= 3u << (2 * k);
   }
+  return bits;
 #endif
-  while (done < size && units[done] < 0x80 && units[done] != 0) ++done;
-  return done;
 }
 
 // Decodes one well-formed UTF-8 character of two or three bytes at `in` (of `left` bytes)
@@ -118,11 +126,12 @@ size_t DecodeMultiByte(const unsigned char* in, size_t left, char16_t* out) {
 }
 
 // Well-formed UTF-8 of the Basic Multilingual Plane, surrogates excepted; anything else
-// (malformed bytes, a character beyond the plane) is left to iconv. The units are gathered in
-// a small buffer handed to `flush` (which returns false to stop), so a large result is written
-// once, not cleared first. Returns the bytes decoded.
-template <typename Flush>
-size_t DecodeUtf8InBlocks(std::string_view bytes, Flush flush) {
+// (malformed bytes, a character beyond the plane) is left to iconv. Each other unit than ASCII
+// goes through `map` (which may refuse it, ending the decoding before its bytes); with
+// `kStopAtNul` a NUL byte ends it too. The units are gathered in a small buffer handed to
+// `flush`, so a large result is written once, not cleared first. Returns the bytes decoded.
+template <bool kStopAtNul, typename Map, typename Flush>
+size_t DecodeUtf8InBlocks(std::string_view bytes, Map map, Flush flush) {
   constexpr size_t kBufferUnits = 4096;
   char16_t buffer[kBufferUnits];
   const auto* in = reinterpret_cast<const unsigned char*>(bytes.data());
@@ -131,30 +140,31 @@ size_t DecodeUtf8InBlocks(std::string_view bytes, Flush flush) {
   while (at < size && !stopped) {
     size_t filled = 0;
     while (at < size && filled < kBufferUnits) {
-      size_t ascii =
-          WidenAscii(in + at, std::min(size - at, kBufferUnits - filled), buffer + filled);
+      size_t ascii = WidenAscii<kStopAtNul>(in + at, std::min(size - at, kBufferUnits - filled),
+                                            buffer + filled);
       at += ascii;
       filled += ascii;
-      if (at == size || filled == kBufferUnits || in[at] < 0x80) continue;
-      size_t taken = DecodeMultiByte(in + at, size - at, buffer + filled);
-      if (taken == 0) {
+      if (at == size || filled == kBufferUnits) continue;
+      char16_t unit = 0;
+      size_t taken = in[at] < 0x80 ? 0 : DecodeMultiByte(in + at, size - at, &unit);
+      std::optional<char16_t> mapped = taken != 0 ? map(unit) : std::nullopt;
+      if (!mapped) {
         stopped = true;
         break;
       }
+      buffer[filled++] = *mapped;
       at += taken;
-      ++filled;
     }
-    if (!flush(buffer, filled)) break;
+    flush(buffer, filled);
   }
   return at;
 }
 
 size_t Utf8Prefix(std::string_view bytes, std::u16string& wide) {
   wide.reserve(wide.size() + bytes.size());
-  return DecodeUtf8InBlocks(bytes, [&](const char16_t* units, size_t count) {
-    wide.append(units, count);
-    return true;
-  });
+  return DecodeUtf8InBlocks<false>(
+      bytes, [](char16_t unit) { return std::optional<char16_t>(unit); },
+      [&](const char16_t* units, size_t count) { wide.append(units, count); });
 }
 
 // What iconv makes of each character of one single-byte code page, asked once per byte and
@@ -211,29 +221,63 @@ class SingleBytePage {
     return at;
   }
 
-  // Rewrites `units` in place as they read once narrowed and widened back, up to
-  // the first unit it is unsure of or, setting `cut`, the first that narrows to NUL; returns
-  // how many it rewrote.
+  // Rewrites `units` in place as they read once narrowed and widened back, up to the first
+  // unit it is unsure of or, setting `cut`, the first that narrows to NUL; returns how many it
+  // rewrote. Units already met go eight at a time through a table of what they show as.
   size_t RoundTrip(char16_t* units, size_t size, bool untilFailure, bool& cut) {
+    std::vector<char16_t>& shown = shown_[untilFailure ? 1 : 0];
     size_t at = 0;
     while (at < size) {
-      if (asciiBothWays_) at += SkipAsciiButNul(units + at, size - at);
-      if (at == size || IsSurrogate(units[at])) break;
-      uint16_t byte = narrow_[units[at]];
-      if (byte == kNotAsked) byte = narrow_[units[at]] = Ask(units[at]);
-      if (byte == kNotSingleByte || (untilFailure && (byte & kRefused) != 0)) break;
-      byte &= kByteMask;
-      if (byte == 0) {
-        cut = true;
-        break;
+      if (size - at >= kUnitsPerBlock) {
+        // ASCII stays as it is; the other units of the block are looked up, and the first not
+        // in the table yet is left to the careful path below.
+        unsigned other = asciiBothWays_ ? OtherThanAsciiBits(units + at) : 0xFFFFu;
+        size_t unknown = kUnitsPerBlock;
+        for (; other != 0; other &= other - 1, other &= other - 1) {
+          size_t k = static_cast<size_t>(std::countr_zero(other)) / 2;
+          char16_t shownAs = shown[units[at + k]];
+          if (shownAs == kLookCloser) {
+            unknown = k;
+            break;
+          }
+          units[at + k] = shownAs;
+        }
+        at += unknown;
+        if (unknown == kUnitsPerBlock) continue;
       }
-      if (!single_[byte]) break;
-      units[at++] = wide_[byte];
+      std::optional<char16_t> unit = ShownAs(units[at], untilFailure, cut);
+      if (!unit) break;
+      units[at++] = *unit;
     }
     return at;
   }
 
- private:
+  std::optional<char16_t> ShownAs(char16_t unit, bool untilFailure) {
+    bool cut = false;  // a unit that narrows to NUL is left to the careful path
+    return ShownAs(unit, untilFailure, cut);
+  }
+
+  bool AsciiBothWays() const { return asciiBothWays_; }
+
+  // What `unit` shows as, noted in the table when it is a plain mapping; nothing when the
+  // fast path cannot tell (or, setting `cut`, when it narrows to NUL).
+  std::optional<char16_t> ShownAs(char16_t unit, bool untilFailure, bool& cut) {
+    char16_t known = shown_[untilFailure ? 1 : 0][unit];
+    if (known != kLookCloser) return known;
+    if (IsSurrogate(unit)) return std::nullopt;
+    uint16_t byte = narrow_[unit];
+    if (byte == kNotAsked) byte = narrow_[unit] = Ask(unit);
+    if (byte == kNotSingleByte || (untilFailure && (byte & kRefused) != 0)) return std::nullopt;
+    byte &= kByteMask;
+    if (byte == 0) {
+      cut = true;
+      return std::nullopt;
+    }
+    if (!single_[byte]) return std::nullopt;
+    shown_[untilFailure ? 1 : 0][unit] = wide_[byte];  // kLookCloser itself stays a question
+    return wide_[byte];
+  }
+
   uint16_t Ask(char16_t unit) const {
     std::u16string_view alone(&unit, 1);
     std::string bytes = exact_.toNarrowUntilFailure(name_, alone);
@@ -250,6 +294,10 @@ class SingleBytePage {
   // ASCII reads and writes as itself, so runs of it are copied without the tables.
   bool asciiBothWays_ = true;
   std::vector<uint16_t> narrow_ = std::vector<uint16_t>(0x10000, kNotAsked);
+  // What each unit shows as once narrowed and widened back (without and with stopping at the
+  // first unit the page cannot hold), filled as units are met.
+  std::vector<char16_t> shown_[2] = {std::vector<char16_t>(0x10000, kLookCloser),
+                                     std::vector<char16_t>(0x10000, kLookCloser)};
 };
 
 bool IsSingleBytePage(const std::string& name) {
@@ -294,19 +342,14 @@ size_t FastRoundTrip(const std::string& iconvName, std::u16string& text, bool un
 }
 
 size_t FastUtf8ThroughPage(const std::string& iconvName, std::string_view utf8, bool untilFailure,
-                           std::u16string& shown, std::u16string& pending, bool& cut,
-                           const ExactConversions& exact) {
-  cut = false;
+                           std::u16string& shown, const ExactConversions& exact) {
   if (!IsSingleBytePage(iconvName)) return 0;
   SingleBytePage& page = PageFor(iconvName, exact);
+  if (!page.AsciiBothWays()) return 0;
   shown.reserve(shown.size() + utf8.size());
-  return DecodeUtf8InBlocks(utf8, [&](char16_t* units, size_t count) {
-    size_t done = page.RoundTrip(units, count, untilFailure, cut);
-    shown.append(units, done);
-    if (done == count) return true;
-    if (!cut) pending.assign(units + done, count - done);
-    return false;
-  });
+  return DecodeUtf8InBlocks<true>(
+      utf8, [&](char16_t unit) { return page.ShownAs(unit, untilFailure); },
+      [&](const char16_t* units, size_t count) { shown.append(units, count); });
 }
 
 }  // namespace mailslice::platform

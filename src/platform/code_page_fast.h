@@ -39,13 +39,11 @@ size_t FastPrefixToNarrow(const std::string& iconvName, std::u16string_view text
 size_t FastRoundTrip(const std::string& iconvName, std::u16string& text, bool untilFailure,
                      bool& cut, const ExactConversions& exact);
 
-// UTF-8 decoded as FastPrefixToWide decodes it and passed through FastRoundTrip, a block at a
-// time. Appends the finished units to `shown`; the units decoded but not passed through are
-// put in `pending`. Returns the bytes decoded (into `shown` and `pending`); on `cut`, `shown` is
-// the whole result.
+// UTF-8 decoded as FastPrefixToWide decodes it and passed through FastRoundTrip in one pass.
+// Appends the result of the longest start it converts exactly (one without NUL) to `shown`
+// and returns the bytes taken.
 size_t FastUtf8ThroughPage(const std::string& iconvName, std::string_view utf8, bool untilFailure,
-                           std::u16string& shown, std::u16string& pending, bool& cut,
-                           const ExactConversions& exact);
+                           std::u16string& shown, const ExactConversions& exact);
 
 }  // namespace mailslice::platform
 
