@@ -70,7 +70,7 @@ void BodyTextCollector::Attribute(std::string_view name, std::optional<std::stri
   // as text too, as the device always did.
   if (!inBody_ || !name.starts_with(kContentAttributeName)) return;
   // An attribute written without a value reads as empty text.
-  CString line(platform::AnsiToWide(value.value_or(std::string_view())));
+  CString line(reader_.Widen(value.value_or(std::string_view())));
   line.Trim();
   if (line.IsEmpty() || line.Str().starts_with(kScriptCommentPrefix)) return;
   text_.append(line.Str()).append(kLineBreak);

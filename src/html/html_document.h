@@ -13,6 +13,8 @@
 #include <string>
 #include <string_view>
 
+#include "platform/code_page.h"
+
 namespace mailslice::html {
 
 inline constexpr std::string_view kTextElementName = "TEXT_DATA";
@@ -81,6 +83,7 @@ class BodyTextCollector {
   CString Take() { return CString(std::move(text_)); }
 
  private:
+  platform::AnsiReader reader_;
   std::u16string text_;
   bool inBody_ = false;
 };

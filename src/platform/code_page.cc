@@ -250,13 +250,24 @@ std::string WideToMultiByteUntilFailureThroughIconv(std::u16string_view text) {
   return IconvToNarrowUntilFailure(IconvName(kAnsiCodePage), text.substr(0, text.find(u'\0')));
 }
 
-std::u16string MultiByteToWide(unsigned codePage, std::string_view bytes) {
-  std::string name = IconvName(codePage);
+namespace {
+
+std::u16string NamedToWide(const std::string& name, std::string_view bytes) {
   std::u16string wide;
   size_t done = FastPrefixToWide(name, bytes, wide, kExactConversions);
   if (done < bytes.size()) wide += IconvToWide(name, bytes.substr(done));
   return wide;
 }
+
+}  // namespace
+
+std::u16string MultiByteToWide(unsigned codePage, std::string_view bytes) {
+  return NamedToWide(IconvName(codePage), bytes);
+}
+
+AnsiReader::AnsiReader() : name_(IconvName(kAnsiCodePage)) {}
+
+std::u16string AnsiReader::Widen(std::string_view bytes) const { return NamedToWide(name_, bytes); }
 
 std::string WideToMultiByte(unsigned codePage, std::u16string_view text) {
   std::string name = IconvName(codePage);

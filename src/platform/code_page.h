@@ -50,6 +50,17 @@ std::u16string Utf8ThroughAnsi(std::string_view utf8, bool untilFailure);
 
 // Shorthands for the device ANSI code page.
 std::u16string AnsiToWide(std::string_view bytes);
+
+// Reads many short texts as AnsiToWide does, looking the device code page up once (for a text
+// made of thousands of pieces, such as the runs of an HTML page).
+class AnsiReader {
+ public:
+  AnsiReader();
+  std::u16string Widen(std::string_view bytes) const;
+
+ private:
+  std::string name_;
+};
 std::string WideToAnsi(std::u16string_view text);
 
 }  // namespace mailslice::platform
