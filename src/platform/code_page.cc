@@ -147,7 +147,7 @@ std::string Run(iconv_t descriptor, std::string_view input, OnRefusal onRefusal)
     if (written + refusal.replacement.size() > output.size()) {
       output.resize(output.size() * 2 + refusal.replacement.size());
     }
-    std::copy(refusal.replacement.begin(), refusal.replacement.end(), output.begin() + written);
+    refusal.replacement.copy(output.data() + written, refusal.replacement.size());
     written += refusal.replacement.size();
     if (refusal.stop) break;
     in += refusal.skip;
