@@ -2,10 +2,16 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
+#include <cstddef>
 #include <cstdlib>
 #include <cstring>
 
 #include "platform/device_settings.h"
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace mailslice::codec {
 namespace {
@@ -13,6 +19,7 @@ namespace {
 constexpr int8_t kNotHexDigit = static_cast<int8_t>(0x82);
 // An escape is "=" and two hex digits.
 constexpr size_t kEscapeLength = 3;
+constexpr size_t kBlockBytes = 16;
 
 // Only upper-case hex digits: mail encoders write them so, and "=3d" stays text.
 constexpr std::array<int8_t, 256> MakeHexTable() {
@@ -30,6 +37,7 @@ struct Decoding {
   const unsigned char* in;
   const unsigned char* end;  // the terminating NUL
   unsigned char* out;
+  unsigned char* written;  // the end of what the block copies wrote
   int error = 0;
 };
 
@@ -54,8 +62,24 @@ void DecodeEscape(Decoding& d) {
   d.in += 2;
 }
 
-// Copies the run of plain bytes up to the next "=" in one go; true when an "=" follows.
+// Copies the run of plain bytes up to the next "=" in one go; true when an "=" follows. With
+// SSE2 the run goes sixteen bytes at a time, the block holding the "=" copied whole: the
+// output never runs ahead of the input, so there is room, and the bytes behind the output's
+// end are cleared when the decoding ends.
 bool CopyPlainRun(Decoding& d) {
+#ifdef __SSE2__
+  const __m128i equalsSign = _mm_set1_epi8('=');
+  while (d.end - d.in >= static_cast<std::ptrdiff_t>(kBlockBytes)) {
+    __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(d.in));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(d.out), block);
+    d.written = std::max(d.written, d.out + kBlockBytes);
+    auto hits = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(block, equalsSign)));
+    size_t plain = hits != 0 ? static_cast<size_t>(std::countr_zero(hits)) : kBlockBytes;
+    d.in += plain;
+    d.out += plain;
+    if (hits != 0) return true;
+  }
+#endif
   const auto* equals =
       static_cast<const unsigned char*>(std::memchr(d.in, '=', static_cast<size_t>(d.end - d.in)));
   const unsigned char* stop = equals != nullptr ? equals : d.end;
@@ -73,7 +97,7 @@ char* DecodeQuotedPrintable(const char* text, int* length, int* error) {
   auto* buffer = static_cast<unsigned char*>(std::calloc(size + 1, 1));
   if (buffer == nullptr) return nullptr;
   const auto* in = reinterpret_cast<const unsigned char*>(text);
-  Decoding d{in, in + size, buffer};
+  Decoding d{in, in + size, buffer, buffer};
   bool cut = false;
   while (CopyPlainRun(d)) {
     if (static_cast<size_t>(d.end - d.in) < kEscapeLength) {
@@ -83,6 +107,7 @@ char* DecodeQuotedPrintable(const char* text, int* length, int* error) {
     }
     DecodeEscape(d);
   }
+  if (d.written > d.out) std::memset(d.out, 0, static_cast<size_t>(d.written - d.out));
   if (error != nullptr) *error = d.error;
   if (cut) return reinterpret_cast<char*>(buffer);
   if (length != nullptr) {

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "html/entity_tables.h"
+#include "platform/wide_search.h"
 
 namespace mailslice::html {
 namespace {
@@ -105,7 +106,8 @@ std::u16string DecodeReferences(std::u16string_view text) {
   std::u16string out;
   out.reserve(text.size());
   size_t copyFrom = 0;
-  for (size_t open; (open = text.find(kReferenceOpen, copyFrom)) != std::u16string_view::npos;) {
+  for (size_t open;
+       (open = platform::FindUnit(text, kReferenceOpen, copyFrom)) != std::u16string_view::npos;) {
     out.append(text.substr(copyFrom, open - copyFrom));
     copyFrom = AppendDecodedReference(text, open, out);
   }
@@ -113,27 +115,36 @@ std::u16string DecodeReferences(std::u16string_view text) {
 }
 
 // Removes each span from a "<" to the next ">"; an unmatched "<" and what follows it stay.
-// Removing a span never makes a new "<", so the scan goes on where the span ended.
-std::u16string RemoveTagSpans(std::u16string_view text) {
-  std::u16string out;
-  out.reserve(text.size());
-  size_t copyFrom = 0;
+// Removing a span never makes a new "<", so the scan goes on where the span ended. The kept
+// text moves down in place: it is written only behind the scan.
+void RemoveTagSpans(std::u16string& text) {
+  size_t kept = 0, copyFrom = 0;
   while (true) {
-    size_t open = text.find(u'<', copyFrom);
-    size_t close = open == std::u16string_view::npos ? open : text.find(u'>', open);
-    if (close == std::u16string_view::npos) break;
-    out.append(text.substr(copyFrom, open - copyFrom));
+    size_t open = platform::FindUnit(text, u'<', copyFrom);
+    size_t close = open == std::u16string::npos ? open : platform::FindUnit(text, u'>', open);
+    if (close == std::u16string::npos) break;
+    std::char_traits<char16_t>::move(text.data() + kept, text.data() + copyFrom, open - copyFrom);
+    kept += open - copyFrom;
     copyFrom = close + 1;
   }
-  return out.append(text.substr(copyFrom));
+  size_t rest = text.size() - copyFrom;
+  std::char_traits<char16_t>::move(text.data() + kept, text.data() + copyFrom, rest);
+  text.resize(kept + rest);
 }
 
 }  // namespace
 
 CString HtmlEntityDecoder::Decode(const CString& text) const {
-  CString withBreaks(text);
-  withBreaks.Replace(kXhtmlBreak, kLineBreak);
-  CString result(RemoveTagSpans(DecodeReferences(withBreaks.Str())));
+  std::u16string decoded;
+  if (platform::FindUnits(text.Str(), kXhtmlBreak) == std::u16string::npos) {
+    decoded = DecodeReferences(text.Str());  // no copy for the breaks
+  } else {
+    CString withBreaks(text);
+    withBreaks.Replace(kXhtmlBreak, kLineBreak);
+    decoded = DecodeReferences(withBreaks.Str());
+  }
+  RemoveTagSpans(decoded);
+  CString result(std::move(decoded));
   result.TrimRight();
   result.TrimLeft();
   return result;

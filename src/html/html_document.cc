@@ -57,29 +57,37 @@ void HtmlDocument::Append(std::unique_ptr<HtmlElement> element) {
   ++count_;
 }
 
+void BodyTextCollector::Element(std::string_view name) {
+  if (name.starts_with(kBodyOpenPrefix)) {
+    inBody_ = true;
+  } else if (name.starts_with(kBodyClosePrefix)) {
+    inBody_ = false;
+  }
+}
+
+void BodyTextCollector::Attribute(std::string_view name, std::optional<std::string_view> value) {
+  // Any attribute named TEXT... counts, so comments and a body tag's own TEXT colour are read
+  // as text too, as the device always did.
+  if (!inBody_ || !name.starts_with(kContentAttributeName)) return;
+  // An attribute written without a value reads as empty text.
+  CString line(reader_.Widen(value.value_or(std::string_view())));
+  line.Trim();
+  if (line.IsEmpty() || line.Str().starts_with(kScriptCommentPrefix)) return;
+  text_.append(line.Str()).append(kLineBreak);
+}
+
 CString HtmlDocument::CollectBodyText() const {
-  std::u16string text;
-  bool inBody = false;
+  BodyTextCollector collector;
   for (const HtmlElement* element = first(); element; element = element->next()) {
-    if (element->name().starts_with(kBodyOpenPrefix)) {
-      inBody = true;
-    } else if (element->name().starts_with(kBodyClosePrefix)) {
-      inBody = false;
-    }
-    if (!inBody) continue;
-    // Any attribute named TEXT... counts, so comments and a body tag's own TEXT colour are read
-    // as text too, as the device always did.
+    collector.Element(element->name());
     for (const HtmlAttribute* attribute = element->first_attribute(); attribute;
          attribute = attribute->next()) {
-      if (!attribute->name().starts_with(kContentAttributeName)) continue;
-      // An attribute written without a value reads as empty text.
-      CString line(platform::AnsiToWide(attribute->value().value_or(std::string())));
-      line.Trim();
-      if (line.IsEmpty() || line.Str().starts_with(kScriptCommentPrefix)) continue;
-      text.append(line.Str()).append(kLineBreak);
+      const std::optional<std::string>& value = attribute->value();
+      collector.Attribute(attribute->name(),
+                          value ? std::optional<std::string_view>(*value) : std::nullopt);
     }
   }
-  return CString(std::move(text));
+  return collector.Take();
 }
 
 }  // namespace mailslice::html

@@ -13,6 +13,8 @@
 #include <string>
 #include <string_view>
 
+#include "platform/code_page.h"
+
 namespace mailslice::html {
 
 inline constexpr std::string_view kTextElementName = "TEXT_DATA";
@@ -69,6 +71,23 @@ class HtmlElement {
   std::array<char, kMaxNameLength + 1> name_{};
 };
 
+// The readable text of a body, gathered element by element in page order: the text runs (and
+// comments, and "TEXT" attributes) between a lower-case "body" tag and a lower-case "/body"
+// tag, each trimmed and followed by CR LF; runs that start with "//" are left out.
+class BodyTextCollector {
+ public:
+  // An element of that name begins (its attributes follow).
+  void Element(std::string_view name);
+  // An attribute of the last element; nothing for one written without a value.
+  void Attribute(std::string_view name, std::optional<std::string_view> value);
+  CString Take() { return CString(std::move(text_)); }
+
+ private:
+  platform::AnsiReader reader_;
+  std::u16string text_;
+  bool inBody_ = false;
+};
+
 class HtmlDocument {
  public:
   HtmlDocument() = default;
@@ -83,6 +102,10 @@ class HtmlDocument {
   // lower-case "/body" tag, each trimmed and followed by CR LF; runs that start with "//" are
   // left out.
   CString CollectBodyText() const;
+
+  // The text CollectBodyText gives for the document that Parse makes of `text`, read without
+  // building the element list.
+  static CString ReadBodyText(const char* text);
 
   void Append(std::unique_ptr<HtmlElement> element);
   uint32_t count() const { return count_; }

@@ -5,6 +5,9 @@
 // the cost grows with the page, not faster.
 #include <cstring>
 #include <new>
+#include <optional>
+#include <utility>
+#include <vector>
 
 #include "html/html_document.h"
 #include "html/tag_table.h"
@@ -18,28 +21,39 @@ constexpr unsigned char kEndOfPageByte = 0xFF;
 constexpr std::string_view kCommentOpen = "!--";
 constexpr std::string_view kCommentClose = "-->";
 
-std::unique_ptr<HtmlElement> MakeElement(std::string_view name) {
-  std::unique_ptr<HtmlElement> element(new (std::nothrow) HtmlElement);
-  if (element) element->SetName(name);
-  return element;
-}
+// Builds the element list of a document.
+class DocumentBuilder {
+ public:
+  using Element = std::unique_ptr<HtmlElement>;
+  using Attribute = HtmlAttribute*;
 
-// When memory runs out, the value is dropped and the attribute keeps none.
-void StoreValue(HtmlAttribute& attribute, std::string_view value) {
-  try {
-    attribute.SetValue(value);
-  } catch (const std::bad_alloc&) {
+  explicit DocumentBuilder(HtmlDocument& document) : document_(document) {}
+
+  static Element MakeElement(std::string_view name) {
+    std::unique_ptr<HtmlElement> element(new (std::nothrow) HtmlElement);
+    if (element) element->SetName(name);
+    return element;
   }
-}
 
-// A pseudo-element carrying `content` in its "TEXT" attribute. Whatever memory could not be
-// found for (the element, the attribute or its value) is left out.
-std::unique_ptr<HtmlElement> MakeContentElement(std::string_view name, std::string_view content) {
-  std::unique_ptr<HtmlElement> element = MakeElement(name);
-  HtmlAttribute* attribute = element ? element->AddAttribute(kContentAttributeName) : nullptr;
-  if (attribute) StoreValue(*attribute, content);
-  return element;
-}
+  // Null when memory ran out (the attribute is dropped).
+  static Attribute AddAttribute(Element& element, std::string_view name) {
+    return element ? element->AddAttribute(name) : nullptr;
+  }
+
+  // When memory runs out, the value is dropped and the attribute keeps none.
+  static void StoreValue(Attribute attribute, std::string_view value) {
+    if (attribute == nullptr) return;
+    try {
+      attribute->SetValue(value);
+    } catch (const std::bad_alloc&) {
+    }
+  }
+
+  void Append(Element element) { document_.Append(std::move(element)); }
+
+ private:
+  HtmlDocument& document_;
+};
 
 // True when `text` begins with `prefix`; stops at the terminating NUL.
 bool StartsWith(const char* text, std::string_view prefix) {
@@ -53,12 +67,57 @@ bool EndsTagName(char ch) { return ch == '\n' || ch == ' ' || ch == '>' || ch ==
 
 bool EndsAttributeName(char ch) { return ch == ' ' || ch == '=' || ch == '<' || ch == '>'; }
 
+// Hands each element to a BodyTextCollector as soon as it is complete, keeping only the one
+// being read; names and values point into the page.
+class TextBuilder {
+ public:
+  struct Pending {
+    std::string_view name;
+    std::vector<std::pair<std::string_view, std::optional<std::string_view>>> attributes;
+  };
+  using Element = Pending*;
+  using Attribute = size_t;  // the attribute's place plus one, 0 for none
+
+  explicit TextBuilder(BodyTextCollector& collector) : collector_(collector) {}
+
+  Element MakeElement(std::string_view name) {
+    // A name the element list would refuse leaves the element without one.
+    bool fits = !name.empty() && name.size() <= HtmlElement::kMaxNameLength;
+    pending_.name = fits ? name : std::string_view();
+    pending_.attributes.clear();
+    return &pending_;
+  }
+
+  static Attribute AddAttribute(Element& element, std::string_view name) {
+    if (element == nullptr) return 0;
+    element->attributes.emplace_back(name, std::nullopt);
+    return element->attributes.size();
+  }
+
+  void StoreValue(Attribute attribute, std::string_view value) {
+    if (attribute != 0) pending_.attributes[attribute - 1].second = value;
+  }
+
+  void Append(Element element) {
+    if (element == nullptr) return;
+    collector_.Element(element->name);
+    for (const auto& [name, value] : element->attributes) collector_.Attribute(name, value);
+  }
+
+ private:
+  BodyTextCollector& collector_;
+  Pending pending_;
+};
+
+template <typename Builder>
 class Parser {
  public:
+  using Element = typename Builder::Element;
+
   // The end is found once, so that each later search knows its length and none scans the rest
   // of the page again.
-  Parser(const char* text, HtmlDocument& document)
-      : cursor_(text), end_(text + std::strlen(text)), document_(document) {}
+  Parser(const char* text, Builder& builder)
+      : cursor_(text), end_(text + std::strlen(text)), builder_(builder) {}
 
   void Run() {
     while (cursor_ && *cursor_ != '\0' && static_cast<unsigned char>(*cursor_) != kEndOfPageByte) {
@@ -68,22 +127,22 @@ class Parser {
         cursor_ = SkipHtmlSpace(cursor_ + 1);
         continue;
       }
-      document_.Append(*cursor_ == '<' ? ReadMarkup() : ReadTextRun());
+      builder_.Append(*cursor_ == '<' ? ReadMarkup() : ReadTextRun());
     }
   }
 
  private:
   // At "<": a comment or a tag; a "<" the reader does not know is read as a tag here too.
-  std::unique_ptr<HtmlElement> ReadMarkup() {
+  Element ReadMarkup() {
     cursor_ = SkipHtmlSpace(cursor_ + 1);
     return Classify(cursor_) == Markup::kComment ? ReadComment() : ReadTag();
   }
 
   // A run of text ends at the first "<" that opens a comment or a known tag; any other "<"
   // ("a < 3", "x<<y") stays in the run. A run that reaches the end of the page ends the parse.
-  std::unique_ptr<HtmlElement> ReadTextRun() {
+  Element ReadTextRun() {
     cursor_ = SkipHtmlSpace(cursor_);
-    if (*cursor_ == '\0' || *cursor_ == '<') return nullptr;
+    if (*cursor_ == '\0' || *cursor_ == '<') return Element();
     const char* start = cursor_;
     const char* end = FindLessThan(start);
     while (end && !MarkupFollows(end)) end = FindLessThan(end + 1);
@@ -93,55 +152,54 @@ class Parser {
   }
 
   // An unterminated comment swallows the rest of the page.
-  std::unique_ptr<HtmlElement> ReadComment() {
+  Element ReadComment() {
     if (StartsWith(cursor_, kCommentOpen)) cursor_ += kCommentOpen.size();
     const std::string_view rest(cursor_, end_ - cursor_);
     const size_t close = rest.find(kCommentClose);
     if (close == std::string_view::npos) {
       cursor_ = end_;
-      return nullptr;
+      return Element();
     }
     cursor_ += close + kCommentClose.size();
-    if (close == 0) return nullptr;
+    if (close == 0) return Element();
     return MakeContentElement(kCommentElementName, rest.substr(0, close));
   }
 
   // Tab and CR do not end a tag name: "<td\tclass=c>" is one name. A name that reaches
   // kMaxNameLength characters is given up, and the rest of it is read as text.
-  std::unique_ptr<HtmlElement> ReadTag() {
+  Element ReadTag() {
     cursor_ = SkipHtmlSpace(cursor_);
     const char* start = cursor_;
     while (!EndsTagName(*cursor_)) {
       if (*cursor_ == '<' && MarkupFollows(cursor_)) {
-        return MakeElement(std::string_view(start, cursor_ - start));
+        return builder_.MakeElement(std::string_view(start, cursor_ - start));
       }
       ++cursor_;
-      if (static_cast<size_t>(cursor_ - start) == HtmlElement::kMaxNameLength) return nullptr;
+      if (static_cast<size_t>(cursor_ - start) == HtmlElement::kMaxNameLength) return Element();
     }
-    std::unique_ptr<HtmlElement> element = MakeElement(std::string_view(start, cursor_ - start));
-    ReadAttributes(element.get());
+    Element element = builder_.MakeElement(std::string_view(start, cursor_ - start));
+    ReadAttributes(element);
     if (*cursor_ == '>') ++cursor_;
     return element;
   }
 
   // Reads attributes up to ">" or a "<" that opens other markup; with no element (memory ran
   // out) they are read and dropped.
-  void ReadAttributes(HtmlElement* element) {
+  void ReadAttributes(Element& element) {
     while (true) {
       cursor_ = SkipHtmlSpace(cursor_);
       if (AtTagEnd()) return;
       const char* name = cursor_;
       while (*cursor_ != '\0' && (!EndsAttributeName(*cursor_) || AtStrayLessThan())) ++cursor_;
       if (*cursor_ == '\0' || cursor_ == name) return;
-      HtmlAttribute* attribute =
-          element ? element->AddAttribute(std::string_view(name, cursor_ - name)) : nullptr;
+      auto attribute = builder_.AddAttribute(element, std::string_view(name, cursor_ - name));
       cursor_ = SkipHtmlSpace(cursor_);
       if (AtTagEnd()) return;
       // A stray "<" after a name is taken for "=", as the device did.
       if (*cursor_ != '=' && *cursor_ != '<') continue;
       cursor_ = SkipHtmlSpace(cursor_ + 1);
       std::string_view value = ReadAttributeValue();
-      if (attribute && !value.empty()) StoreValue(*attribute, value);
+      if (!value.empty()) builder_.StoreValue(attribute, value);
     }
   }
 
@@ -170,16 +228,33 @@ class Parser {
     return static_cast<const char*>(std::memchr(from, '<', end_ - from));
   }
 
+  // A pseudo-element carrying `content` in its "TEXT" attribute. Whatever memory could not be
+  // found for (the element, the attribute or its value) is left out.
+  Element MakeContentElement(std::string_view name, std::string_view content) {
+    Element element = builder_.MakeElement(name);
+    builder_.StoreValue(builder_.AddAttribute(element, kContentAttributeName), content);
+    return element;
+  }
+
   const char* cursor_;     // null once a text run has taken the rest of the page
   const char* const end_;  // the terminating NUL
-  HtmlDocument& document_;
+  Builder& builder_;
 };
 
 }  // namespace
 
+CString HtmlDocument::ReadBodyText(const char* text) {
+  BodyTextCollector collector;
+  if (text == nullptr) return collector.Take();
+  TextBuilder builder(collector);
+  Parser<TextBuilder>(text, builder).Run();
+  return collector.Take();
+}
+
 int HtmlDocument::Parse(const char* text) {
   if (!text) return 0;
-  Parser(text, *this).Run();
+  DocumentBuilder builder(*this);
+  Parser<DocumentBuilder>(text, builder).Run();
   return 1;
 }
 

@@ -42,9 +42,7 @@ std::string NarrowForReading(std::u16string_view html) {
 
 CString TextFromOwnReader(const CString& html) {
   std::string narrow = NarrowForReading(html.Str());
-  HtmlDocument document;
-  document.Parse(narrow.c_str());
-  return HtmlEntityDecoder().Decode(document.CollectBodyText());
+  return HtmlEntityDecoder().Decode(HtmlDocument::ReadBodyText(narrow.c_str()));
 }
 
 }  // namespace

@@ -14,6 +14,7 @@
 #include "codec/japanese_converter.h"
 #include "codec/quoted_printable.h"
 #include "platform/code_page.h"
+#include "platform/device_settings.h"
 
 namespace mailslice::mime {
 namespace {
@@ -22,6 +23,7 @@ constexpr int kJapaneseLanguage = 81;
 constexpr int kCentralEuropeanLanguage = 48;
 constexpr int kArabicLanguage = 966;
 constexpr char16_t kUnmappedReplacement = u'?';
+constexpr std::string_view kUtf8ByteOrderMark = "\xEF\xBB\xBF";
 
 struct FreeDeleter {
   void operator()(char* block) const { std::free(block); }
@@ -45,10 +47,15 @@ CString ThroughTable(std::string_view text, char16_t (*table)(unsigned)) {
   return Widened(codec::NarrowForDevice(wide));
 }
 
+// What the converter's Utf8ToDevice hands over, read back through the device code page; done
+// here on the strings themselves, without its NUL-terminated copies.
 CString FromUtf8ThroughDevice(std::string_view text) {
-  std::string terminated(text);
-  HeapText converted(codec::JapaneseConverter().Utf8ToDevice(terminated.c_str()));
-  return converted ? Widened(converted.get()) : CString();
+  text = text.substr(0, text.find('\0'));
+  // Text saved by Windows editors starts with a byte order mark; it is left out.
+  if (text.starts_with(kUtf8ByteOrderMark)) text.remove_prefix(kUtf8ByteOrderMark.size());
+  // There the narrowing stops at the first character that the code page cannot hold.
+  bool untilFailure = platform::LanguageCode() == codec::kWcstombsLanguage;
+  return CString(platform::Utf8ThroughAnsi(text, untilFailure));
 }
 
 CString ForJapaneseDevice(std::string_view text, const CString& charset) {

@@ -82,10 +82,19 @@ class BodyWalk {
   int depth_ = 0;
 };
 
+// The body as GetSinglePartBody gives it, read in place unless a server reply has to be cut
+// off, which only a private copy allows.
+const char* SinglePartBody(const char* text, HeapText& copy) {
+  const char* body = text != nullptr ? AfterEmptyLine(text) : nullptr;
+  if (body == nullptr || !std::string_view(body).ends_with(kServerReply)) return body;
+  copy.reset(GetSinglePartBody(text));
+  return copy.get();
+}
+
 CString BodyWalk::FromSinglePart(const char* text) const {
-  HeapText body(GetSinglePartBody(text));
+  HeapText copy;
+  const char* start = SinglePartBody(text, copy);
   CString contentType = GetContentType(text, 0);
-  const char* start = body.get();
   if (start != nullptr && start[0] == '\r' && start[1] == '\n') start += 2;
   CString decoded = DecodeBodyText(start, GetCharSet(text), GetTransEncode(text), contentType);
   if (contentType.CompareNoCase(u"text/html") == 0) return HtmlBodyToText(decoded, html_);

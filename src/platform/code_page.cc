@@ -11,7 +11,9 @@
 #include <utility>
 #include <vector>
 
+#include "platform/code_page_fast.h"
 #include "platform/device_settings.h"
+#include "platform/wide_search.h"
 
 namespace mailslice::platform {
 namespace {
@@ -201,6 +203,29 @@ std::u16string ConvertToWide(iconv_t descriptor, std::string_view bytes) {
   }));
 }
 
+std::u16string IconvToWide(const std::string& name, std::string_view bytes) {
+  return ConvertToWide(Converter(name, kUtf16Name), bytes);
+}
+
+std::string IconvToNarrow(const std::string& name, std::u16string_view text) {
+  static const char kDefault[1] = {kDefaultCharacter};
+  iconv_t descriptor = Converter(kUtf16Name, name);
+  return Run(descriptor, AsBytes(text), [&](std::string_view rest, bool incomplete) {
+    return Refusal{CharacterBytes(rest), std::string_view(kDefault, 1), incomplete};
+  });
+}
+
+std::string IconvToNarrowUntilFailure(const std::string& name, std::u16string_view text) {
+  iconv_t descriptor = Converter(kUtf16Name, name);
+  return Run(descriptor, AsBytes(text), [](std::string_view, bool) {
+    return Refusal{0, {}, true};
+  });
+}
+
+// The fast paths convert up to where they cannot be sure and leave the rest to iconv (which
+// keeps no state across the cut in the code pages they take).
+constexpr ExactConversions kExactConversions{IconvToWide, IconvToNarrow, IconvToNarrowUntilFailure};
+
 }  // namespace
 
 std::optional<std::u16string> CharsetToWide(std::string_view charset, std::string_view bytes) {
@@ -213,24 +238,77 @@ std::optional<std::u16string> CharsetToWide(std::string_view charset, std::strin
   return ConvertToWide(descriptor, bytes);
 }
 
-std::u16string MultiByteToWide(unsigned codePage, std::string_view bytes) {
-  return ConvertToWide(Converter(IconvName(codePage), kUtf16Name), bytes);
+std::u16string MultiByteToWideThroughIconv(unsigned codePage, std::string_view bytes) {
+  return IconvToWide(IconvName(codePage), bytes);
 }
 
+std::string WideToMultiByteThroughIconv(unsigned codePage, std::u16string_view text) {
+  return IconvToNarrow(IconvName(codePage), text);
+}
+
+std::string WideToMultiByteUntilFailureThroughIconv(std::u16string_view text) {
+  return IconvToNarrowUntilFailure(IconvName(kAnsiCodePage), text.substr(0, text.find(u'\0')));
+}
+
+namespace {
+
+std::u16string NamedToWide(const std::string& name, std::string_view bytes) {
+  std::u16string wide;
+  size_t done = FastPrefixToWide(name, bytes, wide, kExactConversions);
+  if (done < bytes.size()) wide += IconvToWide(name, bytes.substr(done));
+  return wide;
+}
+
+}  // namespace
+
+std::u16string MultiByteToWide(unsigned codePage, std::string_view bytes) {
+  return NamedToWide(IconvName(codePage), bytes);
+}
+
+AnsiReader::AnsiReader() : name_(IconvName(kAnsiCodePage)) {}
+
+std::u16string AnsiReader::Widen(std::string_view bytes) const { return NamedToWide(name_, bytes); }
+
 std::string WideToMultiByte(unsigned codePage, std::u16string_view text) {
-  static const char kDefault[1] = {kDefaultCharacter};
-  iconv_t descriptor = Converter(kUtf16Name, IconvName(codePage));
-  return Run(descriptor, AsBytes(text), [&](std::string_view rest, bool incomplete) {
-    return Refusal{CharacterBytes(rest), std::string_view(kDefault, 1), incomplete};
-  });
+  std::string name = IconvName(codePage);
+  std::string narrow;
+  size_t done = FastPrefixToNarrow(name, text, narrow, kExactConversions);
+  if (done < text.size()) narrow += IconvToNarrow(name, text.substr(done));
+  return narrow;
 }
 
 std::string WideToMultiByteUntilFailure(std::u16string_view text) {
-  text = text.substr(0, text.find(u'\0'));
-  iconv_t descriptor = Converter(kUtf16Name, IconvName(kAnsiCodePage));
-  return Run(descriptor, AsBytes(text), [](std::string_view, bool) {
-    return Refusal{0, {}, true};
-  });
+  text = text.substr(0, FindUnit(text, u'\0'));
+  std::string name = IconvName(kAnsiCodePage);
+  std::string narrow;
+  size_t done = FastPrefixToNarrow(name, text, narrow, kExactConversions, true);
+  if (done < text.size()) narrow += IconvToNarrowUntilFailure(name, text.substr(done));
+  return narrow;
+}
+
+std::u16string WideThroughAnsi(std::u16string text, bool untilFailure) {
+  std::string name = IconvName(kAnsiCodePage);
+  bool cut = false;
+  size_t done = FastRoundTrip(name, text, untilFailure, cut, kExactConversions);
+  if (cut || done == text.size()) {
+    text.resize(done);
+    return text;
+  }
+  std::u16string_view rest = std::u16string_view(text).substr(done);
+  std::string narrow =
+      untilFailure ? WideToMultiByteUntilFailure(rest) : WideToMultiByte(kAnsiCodePage, rest);
+  std::u16string back = AnsiToWide(std::string_view(narrow).substr(0, narrow.find('\0')));
+  text.resize(done);
+  return text.append(back);
+}
+
+std::u16string Utf8ThroughAnsi(std::string_view utf8, bool untilFailure) {
+  std::u16string shown;
+  size_t taken =
+      FastUtf8ThroughPage(IconvName(kAnsiCodePage), utf8, untilFailure, shown, kExactConversions);
+  if (taken == utf8.size()) return shown;
+  std::u16string rest = MultiByteToWide(kUtf8CodePage, utf8.substr(taken));
+  return shown.append(WideThroughAnsi(std::move(rest), untilFailure));
 }
 
 std::u16string AnsiToWide(std::string_view bytes) { return MultiByteToWide(kAnsiCodePage, bytes); }

@@ -34,8 +34,33 @@ std::string WideToMultiByteUntilFailure(std::u16string_view text);
 // (Shift_JIS as CP932, EUC-KR and ks_c_5601-1987 as CP949, ISO-8859-1 and US-ASCII as CP1252).
 std::optional<std::u16string> CharsetToWide(std::string_view charset, std::string_view bytes);
 
+// MultiByteToWide, WideToMultiByte and WideToMultiByteUntilFailure done by iconv alone, without the
+// fast paths for UTF-8 and single-byte code pages: the reference those are checked against.
+std::u16string MultiByteToWideThroughIconv(unsigned codePage, std::string_view bytes);
+std::string WideToMultiByteThroughIconv(unsigned codePage, std::u16string_view text);
+std::string WideToMultiByteUntilFailureThroughIconv(std::u16string_view text);
+
+// `text` narrowed to the device ANSI code page (as WideToMultiByte narrows it, or with
+// `untilFailure` as WideToMultiByteUntilFailure does) and widened back up to the first NUL:
+// what a device that keeps text in its code page shows of it.
+std::u16string WideThroughAnsi(std::u16string text, bool untilFailure);
+
+// UTF-8 text read as MultiByteToWide reads it, then passed through WideThroughAnsi.
+std::u16string Utf8ThroughAnsi(std::string_view utf8, bool untilFailure);
+
 // Shorthands for the device ANSI code page.
 std::u16string AnsiToWide(std::string_view bytes);
+
+// Reads many short texts as AnsiToWide does, looking the device code page up once (for a text
+// made of thousands of pieces, such as the runs of an HTML page).
+class AnsiReader {
+ public:
+  AnsiReader();
+  std::u16string Widen(std::string_view bytes) const;
+
+ private:
+  std::string name_;
+};
 std::string WideToAnsi(std::u16string_view text);
 
 }  // namespace mailslice::platform

@@ -7,6 +7,7 @@
 
 #include "platform/code_page.h"
 #include "platform/letter_case.h"
+#include "platform/wide_search.h"
 
 namespace {
 
@@ -127,12 +128,12 @@ CString& CString::MakeUpper() {
 
 int CString::Find(char16_t ch, int start) const {
   if (start < 0 || start > GetLength()) return -1;
-  return Position(text_.find(ch, static_cast<size_t>(start)));
+  return Position(mailslice::platform::FindUnit(text_, ch, static_cast<size_t>(start)));
 }
 
 int CString::Find(const CString& sub, int start) const {
   if (start < 0 || start > GetLength()) return -1;
-  return Position(text_.find(sub.text_, static_cast<size_t>(start)));
+  return Position(mailslice::platform::FindUnits(text_, sub.text_, static_cast<size_t>(start)));
 }
 
 int CString::ReverseFind(char16_t ch) const { return Position(text_.rfind(ch)); }
@@ -188,7 +189,8 @@ int CString::Replace(const CString& oldText, const CString& newText) {
   std::u16string result;
   int count = 0;
   size_t from = 0;
-  for (size_t at; (at = text_.find(oldText.text_, from)) != std::u16string::npos;
+  for (size_t at;
+       (at = mailslice::platform::FindUnits(text_, oldText.text_, from)) != std::u16string::npos;
        from = at + oldText.text_.size()) {
     result.append(text_, from, at - from).append(newText.text_);
     ++count;

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
 #include <string>
 #include <vector>
 
@@ -133,6 +134,48 @@ TEST(HtmlDocumentTest, CollectsTheTextOfTheLowerCaseBody) {
     HtmlDocument document;
     document.Parse(html.c_str());
     EXPECT_EQ(Utf8(document.CollectBodyText().Str()), Utf8(text)) << html;
+  }
+}
+
+// Reading the body text straight from the page gives what the element list gives, on pages
+// built from the pieces where the reader has its quirks.
+TEST(HtmlDocumentTest, ReadingTheBodyTextDirectlyMatchesTheElementList) {
+  const std::string pieces[] = {"<body>",
+                                "</body>",
+                                "<BODY>",
+                                "<body bgcolor=red TEXT=navy>",
+                                "<p class=x>",
+                                " text ",
+                                "<td\tclass='a>b'>",
+                                "<!-- note -->",
+                                "<!---->",
+                                "<script>// hidden</script>",
+                                "a < 3",
+                                "x<<y",
+                                "<br />",
+                                "&amp; &lt;",
+                                "<" + std::string(70, 'q') + ">",
+                                "<>",
+                                "\xFF",
+                                "<img TEXT src=\"i.png\">",
+                                "<font TEXTx='caf\xE9'>",
+                                "<p =v>",
+                                "<a href=x<b>",
+                                "\r\n",
+                                "  ",
+                                "<!-- open",
+                                "<body/>",
+                                "<unknown tag>",
+                                "\xE9t\xE9"};
+  std::mt19937 random(515);
+  for (int round = 0; round < 1500; ++round) {
+    std::string page;
+    for (int k = static_cast<int>(random() % 30); k > 0; --k) {
+      page += pieces[random() % std::size(pieces)];
+    }
+    HtmlDocument document;
+    document.Parse(page.c_str());
+    ASSERT_EQ(HtmlDocument::ReadBodyText(page.c_str()), document.CollectBodyText()) << page;
   }
 }
 

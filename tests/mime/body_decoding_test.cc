@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+
+#include "codec/japanese_converter.h"
 #include "platform/code_page.h"
 #include "support/test_support.h"
 
@@ -44,6 +47,28 @@ TEST(BodyDecodingTest, EachDeviceReadsItsOwnCharsets) {
   for (const auto& [language, bytes, charset, text] : cases) {
     ScopedEnv device("MAILSLICE_LANGUAGE", language);
     EXPECT_EQ(ConvertBodyCharset(bytes, charset).Str(), text) << language << " " << bytes;
+  }
+}
+
+// UTF-8 bodies are read as the Japanese converter's Utf8ToDevice hands them over, read back
+// through the device code page: byte order mark, NUL, unconvertible and malformed characters.
+TEST(BodyDecodingTest, Utf8BodiesReadAsTheConverterNarrowsThem) {
+  const std::string texts[] = {
+      "\xEF\xBB\xBF"
+      "caf\xC3\xA9 \xE2\x82\xAC",
+      std::string("ab\0cd", 5),
+      "x \xE6\x97\xA5 y \xC3\xA9",
+      "bad \xC3( \xFF \xF0\x9F\x98\x80 end",
+      "\xEF\xBB\xBF",
+      ""};
+  for (const char* language : {"1", "7", "48", "82"}) {
+    ScopedEnv device("MAILSLICE_LANGUAGE", language);
+    for (const std::string& text : texts) {
+      char* narrowed = codec::JapaneseConverter().Utf8ToDevice(text.c_str());
+      CString expected(platform::AnsiToWide(narrowed));
+      std::free(narrowed);
+      EXPECT_EQ(ConvertBodyCharset(text, u"utf-8"), expected) << language << " " << text;
+    }
   }
 }
 

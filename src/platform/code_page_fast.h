@@ -1,0 +1,50 @@
+// Fast paths of the code-page conversions for the common case: well-formed UTF-8 and the
+// single-byte Windows code pages the devices use. Each converts the longest start of its input
+// that it can convert exactly as iconv does and leaves the rest to iconv, so the result is the
+// same to the last unit, replacement characters included.
+#ifndef MAILSLICE_PLATFORM_CODE_PAGE_FAST_H
+#define MAILSLICE_PLATFORM_CODE_PAGE_FAST_H
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace mailslice::platform {
+
+// The exact (iconv) conversions of a whole text in the code page `iconvName`; the fast paths
+// ask them about single characters.
+using ExactToWide = std::u16string (*)(const std::string& iconvName, std::string_view bytes);
+using ExactToNarrow = std::string (*)(const std::string& iconvName, std::u16string_view text);
+struct ExactConversions {
+  ExactToWide toWide;
+  ExactToNarrow toNarrow;
+  ExactToNarrow toNarrowUntilFailure;  // stops at the first character the page cannot hold
+};
+
+// Appends to `wide` the conversion of the longest start of `bytes` that the fast path
+// converts exactly; returns the number of bytes taken (a character boundary).
+size_t FastPrefixToWide(const std::string& iconvName, std::string_view bytes, std::u16string& wide,
+                        const ExactConversions& exact);
+
+// Appends to `narrow` the conversion of the longest start of `text` that the fast path
+// converts exactly (a character the code page cannot hold becomes what iconv makes of it, or,
+// with `untilFailure`, ends the prefix); returns the number of units taken.
+size_t FastPrefixToNarrow(const std::string& iconvName, std::u16string_view text,
+                          std::string& narrow, const ExactConversions& exact,
+                          bool untilFailure = false);
+
+// Rewrites the start of `text` in place with what it reads as once narrowed to the page (as by
+// FastPrefixToNarrow) and widened back; stops at the first unit it cannot convert exactly, or,
+// setting `cut`, at the first that narrows to NUL. Returns the number of units rewritten.
+size_t FastRoundTrip(const std::string& iconvName, std::u16string& text, bool untilFailure,
+                     bool& cut, const ExactConversions& exact);
+
+// UTF-8 decoded as FastPrefixToWide decodes it and passed through FastRoundTrip in one pass.
+// Appends the result of the longest start it converts exactly (one without NUL) to `shown`
+// and returns the bytes taken.
+size_t FastUtf8ThroughPage(const std::string& iconvName, std::string_view utf8, bool untilFailure,
+                           std::u16string& shown, const ExactConversions& exact);
+
+}  // namespace mailslice::platform
+
+#endif  // MAILSLICE_PLATFORM_CODE_PAGE_FAST_H

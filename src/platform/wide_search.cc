@@ -1,0 +1,43 @@
+#include "platform/wide_search.h"
+
+#include <bit>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
+namespace mailslice::platform {
+namespace {
+
+constexpr size_t kUnitsPerBlock = 8;
+
+}  // namespace
+
+size_t FindUnit(std::u16string_view text, char16_t unit, size_t from) {
+  if (from >= text.size()) return std::u16string_view::npos;
+  size_t at = from;
+#ifdef __SSE2__
+  const __m128i wanted = _mm_set1_epi16(static_cast<int16_t>(unit));
+  while (text.size() - at >= kUnitsPerBlock) {
+    __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text.data() + at));
+    auto hits = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi16(block, wanted)));
+    if (hits != 0) return at + static_cast<size_t>(std::countr_zero(hits)) / 2;
+    at += kUnitsPerBlock;
+  }
+#endif
+  for (; at < text.size(); ++at) {
+    if (text[at] == unit) return at;
+  }
+  return std::u16string_view::npos;
+}
+
+size_t FindUnits(std::u16string_view text, std::u16string_view needle, size_t from) {
+  if (needle.empty()) return text.find(needle, from);
+  for (size_t at = FindUnit(text, needle[0], from); at != std::u16string_view::npos;
+       at = FindUnit(text, needle[0], at + 1)) {
+    if (text.substr(at, needle.size()) == needle) return at;
+  }
+  return std::u16string_view::npos;
+}
+
+}  // namespace mailslice::platform

@@ -1,0 +1,167 @@
+// The fast conversions against iconv alone, on every short sequence where they could differ.
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+
+#include "platform/code_page.h"
+#include "support/test_support.h"
+
+namespace mailslice::platform {
+namespace {
+
+using testing::ScopedEnv;
+
+constexpr const char* kSingleBytePages[] = {"CP1250", "CP1251", "CP1252", "CP1256"};
+
+std::u16string Unit(unsigned value) { return std::u16string(1, static_cast<char16_t>(value)); }
+
+// Every lead byte with every one or two following bytes, each between ASCII neighbours and
+// also cut off at the end: well-formed, overlong, surrogate, too short and stray sequences.
+TEST(CodePageFastTest, Utf8ReadsEveryShortSequenceAsIconvDoes) {
+  for (unsigned lead = 0x80; lead < 0x100; ++lead) {
+    for (unsigned second = 0; second < 0x100; ++second) {
+      std::string pair{static_cast<char>(lead), static_cast<char>(second)};
+      for (const std::string& text : {"a" + pair + "b", "a" + pair}) {
+        ASSERT_EQ(MultiByteToWide(kUtf8CodePage, text),
+                  MultiByteToWideThroughIconv(kUtf8CodePage, text))
+            << lead << " " << second;
+      }
+      if (lead < 0xE0 || second < 0x80 || second >= 0xC0) continue;
+      for (unsigned third = 0; third < 0x100; third += (third >= 0x7F && third < 0xC0) ? 1 : 17) {
+        std::string text = "ab" + pair + static_cast<char>(third) + "c";
+        ASSERT_EQ(MultiByteToWide(kUtf8CodePage, text),
+                  MultiByteToWideThroughIconv(kUtf8CodePage, text))
+            << lead << " " << second << " " << third;
+      }
+    }
+  }
+}
+
+TEST(CodePageFastTest, RandomTextsConvertAsThroughIconv) {
+  std::mt19937 random(20240611);
+  const std::string pieces[] = {"plain ascii text ",
+                                "\xC3\xA9",
+                                "\xE2\x82\xAC",
+                                "\xEF\xBB\xBF",
+                                "\xF0\x9F\x98\x80",
+                                "\xC3",
+                                "\xE2\x82",
+                                "\xFF",
+                                "\x80",
+                                "\r\n",
+                                std::string(1, '\0'),
+                                "\xD0\x9F\xD1\x80",
+                                "\xED\xA0\x80"};
+  for (size_t round = 0; round < 400; ++round) {
+    std::string text;
+    while (text.size() < 64 + round) text += pieces[random() % std::size(pieces)];
+    std::u16string wide = MultiByteToWide(kUtf8CodePage, text);
+    ASSERT_EQ(wide, MultiByteToWideThroughIconv(kUtf8CodePage, text)) << text;
+    for (const char* page : kSingleBytePages) {
+      ScopedEnv codePage("MAILSLICE_CODEPAGE", page);
+      ASSERT_EQ(WideToAnsi(wide), WideToMultiByteThroughIconv(kAnsiCodePage, wide)) << page;
+      ASSERT_EQ(WideToMultiByteUntilFailure(wide), WideToMultiByteUntilFailureThroughIconv(wide))
+          << page;
+      ASSERT_EQ(AnsiToWide(text), MultiByteToWideThroughIconv(kAnsiCodePage, text)) << page;
+    }
+  }
+}
+
+// Each byte and each wide character of the device pages, alone and inside text, including
+// bytes the page leaves undefined, characters it cannot hold and unpaired surrogates.
+TEST(CodePageFastTest, SingleBytePagesConvertEveryCharacterAsIconvDoes) {
+  for (const char* page : kSingleBytePages) {
+    ScopedEnv codePage("MAILSLICE_CODEPAGE", page);
+    std::string all;
+    for (unsigned byte = 0; byte < 0x100; ++byte) {
+      std::string text = "x" + std::string(1, static_cast<char>(byte)) + "y";
+      ASSERT_EQ(AnsiToWide(text), MultiByteToWideThroughIconv(kAnsiCodePage, text)) << page;
+      all += static_cast<char>(byte);
+    }
+    ASSERT_EQ(AnsiToWide(all), MultiByteToWideThroughIconv(kAnsiCodePage, all)) << page;
+    for (unsigned unit = 1; unit < 0x10000; ++unit) {
+      std::u16string text = u"x" + Unit(unit) + u"y";
+      ASSERT_EQ(WideToAnsi(text), WideToMultiByteThroughIconv(kAnsiCodePage, text))
+          << page << " " << unit;
+      ASSERT_EQ(WideToMultiByteUntilFailure(text), WideToMultiByteUntilFailureThroughIconv(text))
+          << page << " " << unit;
+    }
+    std::u16string surrogates =
+        u"a\xD83D\xDE00"
+        u"b\xDC00"
+        u"c\xD800";
+    ASSERT_EQ(WideToAnsi(surrogates), WideToMultiByteThroughIconv(kAnsiCodePage, surrogates));
+    ASSERT_EQ(WideToMultiByteUntilFailure(surrogates),
+              WideToMultiByteUntilFailureThroughIconv(surrogates));
+  }
+}
+
+// Narrowed and widened back in one go, as the two conversions one after the other give it.
+std::u16string ThroughAnsiInTwoSteps(std::u16string_view text, bool untilFailure) {
+  std::string narrow = untilFailure ? WideToMultiByteUntilFailureThroughIconv(text)
+                                    : WideToMultiByteThroughIconv(kAnsiCodePage, text);
+  return MultiByteToWideThroughIconv(kAnsiCodePage, narrow.substr(0, narrow.find('\0')));
+}
+
+TEST(CodePageFastTest, RoundTripThroughTheDevicePageMatchesTheTwoConversions) {
+  std::u16string below, above;  // the surrogates hand the rest to iconv
+  for (unsigned unit = 1; unit < 0xD800; ++unit) below += static_cast<char16_t>(unit);
+  for (unsigned unit = 0xE000; unit < 0x10000; ++unit) above += static_cast<char16_t>(unit);
+  const std::u16string texts[] = {below,
+                                  above,
+                                  u"plain text, long enough for a block or two",
+                                  std::u16string(u"ab\0cd\u00E9", 6),
+                                  u"caf\u00E9 \u65E5 x",
+                                  u"a\xD83D\xDE00"
+                                  u"b\xDC00"
+                                  u"c\xD800",
+                                  u"",
+                                  u"\u0100 tail"};
+  for (const char* page : {"CP1250", "CP1251", "CP1252", "CP1256", "CP932"}) {
+    ScopedEnv codePage("MAILSLICE_CODEPAGE", page);
+    for (const std::u16string& text : texts) {
+      for (bool untilFailure : {false, true}) {
+        ASSERT_EQ(WideThroughAnsi(text, untilFailure), ThroughAnsiInTwoSteps(text, untilFailure))
+            << page << " " << untilFailure << " " << text.size();
+      }
+    }
+    for (unsigned unit = 0; unit < 0x10000; ++unit) {
+      std::u16string text = u"x" + Unit(unit) + u"y";
+      ASSERT_EQ(WideThroughAnsi(text, true), ThroughAnsiInTwoSteps(text, true)) << unit;
+    }
+  }
+}
+
+// Long texts cross the blocks the fused path decodes in; the pieces bring every way out of it.
+TEST(CodePageFastTest, Utf8ThroughTheDevicePageMatchesTheStepsOneByOne) {
+  std::mt19937 random(4711);
+  const std::string pieces[] = {std::string(300, 'x'),
+                                "caf\xC3\xA9 ",
+                                "\xE2\x82\xAC",
+                                "\xE6\x97\xA5",
+                                "\xC4\x80",
+                                "\xC3",
+                                "\xFF",
+                                "\xF0\x9F\x98\x80",
+                                std::string(1, '\0'),
+                                "\r\n"};
+  for (const char* page : {"CP1250", "CP1252", "CP932"}) {
+    ScopedEnv codePage("MAILSLICE_CODEPAGE", page);
+    for (int round = 0; round < 60; ++round) {
+      std::string text;
+      size_t length = random() % 12000;
+      while (text.size() < length) {
+        text += pieces[random() % 4 == 0 ? random() % std::size(pieces) : random() % 3];
+      }
+      for (bool untilFailure : {false, true}) {
+        std::u16string wide = MultiByteToWideThroughIconv(kUtf8CodePage, text);
+        ASSERT_EQ(Utf8ThroughAnsi(text, untilFailure), ThroughAnsiInTwoSteps(wide, untilFailure))
+            << page << " " << untilFailure << " " << round;
+      }
+    }
+  }
+}
+
+}  // namespace
+}  // namespace mailslice::platform
