@@ -74,7 +74,10 @@ void AppendPadded(std::u16string& out, std::u16string_view text, const Conversio
 std::string NarrowDirective(const Conversion& conversion) {
   std::string directive = "%" + conversion.flags;
   if (conversion.width >= 0) directive += std::to_string(conversion.width);
-  if (conversion.precision >= 0) directive += "." + std::to_string(conversion.precision);
+  if (conversion.precision >= 0) {
+    directive += '.';
+    directive += std::to_string(conversion.precision);
+  }
   return directive + conversion.length + conversion.type;
 }
 
