@@ -29,9 +29,10 @@ MessageAttachments::MessageAttachments(mime::WalkedText message, const CString& 
   if (text == nullptr || mime::CountAttachmentMarkers(text) <= 0) return;
   hasMarkers_ = true;
   CString boundary;
+  // A boundary the message declares cuts it even when it reads as empty, as for the listing.
   declaresBoundary_ = mime::GetBoundary(text, boundary, nullptr) == 1;
   if (!declaresBoundary_) boundary = fallbackBoundary;
-  if (boundary.IsEmpty()) return;
+  if (!declaresBoundary_ && boundary.IsEmpty()) return;
   walked_ = VisitMarkedParts(
       message, boundary, repaired_, [&](const PartRecord& record, const mime::Piece& piece) {
         if (record.kind != kAttachment) return;

@@ -66,4 +66,13 @@ TEST_F(SaveOneByOneTest, AnotherDeviceLanguageNamesTheAttachmentsAgain) {
   }
 }
 
+// A boundary parameter whose value is only a line break reads as an empty boundary; the list
+// is cut at it all the same, and so must be the search of the attachment to save.
+TEST_F(SaveOneByOneTest, AnEmptyDeclaredBoundaryCutsTheSavesAsTheList) {
+  std::string message =
+      "Content-Type: multipart/mixed; boundary=\n\r\n\r\n--\r\n"
+      "Content-Disposition: attachment; filename=\"a.txt\"\r\n\r\nbody\r\n--\r\n";
+  EXPECT_EQ(SaveFirst(message.c_str()), "body");
+}
+
 }  // namespace
