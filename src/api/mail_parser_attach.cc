@@ -1,6 +1,7 @@
 // The main parser's attachment listing and its attachment list.
 #include "api/instances.h"
 #include "api/mail_parser.h"
+#include "attach/attachment_finder.h"
 #include "attach/attachment_listing.h"
 #include "mime/attachment_markers.h"
 

@@ -56,6 +56,10 @@ int ListFound(const MessageAttachments& found, CString& names, int* count, Attac
   return found.walked() ? 1 : 0;
 }
 
+int ListAttachments(mime::WalkedText message, CString& names, int* count, AttachmentList& list) {
+  return ListFound(MessageAttachments(message, CString()), names, count, list);
+}
+
 const AttachmentPart* MessageAttachments::Find(const CString& name, const CString& altName) const {
   const AttachmentPart* found = FindByName(parts_, name);
   return found != nullptr ? found : FindByName(parts_, altName);

@@ -48,8 +48,15 @@ class MessageAttachments {
   bool walked_ = false;
 };
 
-// Fills `list` with the names of the attachments found, as ListAttachments does for the same
-// text when it was found with no fallback boundary, and returns what it returns.
+// Lists the attachments of the message text into `list` (emptied first). Returns 0 when the
+// text has no attachment marker or cannot be walked, else 1 (also for a message that has markers
+// but no boundary, which lists nothing). `names` is emptied and `*count` set to 0; the names
+// are read back from the list. The caller's text is never written: a missing closing
+// delimiter is repaired on a private copy.
+int ListAttachments(mime::WalkedText message, CString& names, int* count, AttachmentList& list);
+
+// The same listing from the attachments found in a message with no fallback boundary: the
+// walk that finds them is the listing's.
 int ListFound(const MessageAttachments& found, CString& names, int* count, AttachmentList& list);
 
 // The body of a part text: behind its header's first CR LF CR LF (else LF LF) up to its end,

@@ -12,7 +12,6 @@
 #include "mime/attachment_markers.h"
 #include "mime/header_parameters.h"
 #include "mime/multipart_walker.h"
-#include "mime/text_memo.h"
 #include "platform/code_page.h"
 
 namespace mailslice::attach {
@@ -49,35 +48,6 @@ const char* WithClosingDelimiter(const char* text, const CString& boundary, std:
 }
 
 }  // namespace
-
-int ListAttachments(mime::WalkedText message, CString& names, int* count, AttachmentList& list) {
-  const char* text = message.text;
-  mime::TextMemo memo(text);  // the message is searched from its start again and again
-  list.RemoveAll();
-  if (mime::CountAttachmentMarkers(text) <= 0) return 0;
-  names.Empty();
-  CString boundary;
-  if (mime::GetBoundary(text, boundary, nullptr) == 0) return 1;
-  if (count != nullptr) *count = 0;
-  std::string repaired;
-  bool walked = VisitMarkedParts(message, boundary, repaired,
-                                 [&](const PartRecord& record, const mime::Piece&) {
-                                   if (record.kind == kAttachment) list.Add(record.fileName);
-                                 });
-  return walked ? 1 : 0;
-}
-
-std::optional<mime::PartRecordSet> CutMessage(const char* text, const CString& boundary) {
-  std::string repaired;
-  text = WithClosingDelimiter(text, boundary, repaired);
-  int pieces = 0;
-  if (mime::GetMultiPartNoInAttachFile(text, boundary, &pieces) != mime::kWalkDone) {
-    return std::nullopt;
-  }
-  std::optional<mime::PartRecordSet> records(std::in_place, pieces);
-  mime::GetMultiPart(text, boundary, records->data());
-  return records;
-}
 
 bool VisitMarkedParts(mime::WalkedText message, const CString& boundary, std::string& repaired,
                       const std::function<void(const PartRecord&, const mime::Piece&)>& visit) {

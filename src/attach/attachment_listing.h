@@ -7,27 +7,13 @@
 #include <mailslice/part_record.h>
 
 #include <functional>
-#include <optional>
 #include <string>
 
 #include "attach/attachment_list.h"
 #include "mime/multipart_walker.h"
-#include "mime/part_record_set.h"
 #include "mime/piece_text.h"
 
 namespace mailslice::attach {
-
-// Lists the attachments of the message text into `list` (emptied first). Returns 0 when the
-// text has no attachment marker or cannot be walked, else 1 (also for a message that has markers
-// but no boundary, which lists nothing). `names` is emptied and `*count` set to 0; the names
-// are read back from the list. The caller's text is never written: a missing closing
-// delimiter is repaired on a private copy.
-int ListAttachments(mime::WalkedText message, CString& names, int* count, AttachmentList& list);
-
-// Cuts the message text at `boundary` into part records exactly as a listing does: a message
-// cut off before its closing delimiter is repaired on a private copy first. Nothing when the
-// text cannot be walked.
-std::optional<mime::PartRecordSet> CutMessage(const char* text, const CString& boundary);
 
 // Cuts the message text at `boundary` exactly as a listing does and hands each piece, with its
 // record marked and named, to `visit` in order. A message cut off before its closing delimiter
