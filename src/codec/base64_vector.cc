@@ -2,14 +2,11 @@
 
 #include <cstring>
 
-#if defined(__x86_64__) && (defined(__GNUC__) || defined(__clang__))
-#define MAILSLICE_BASE64_AVX2 1
-#include <immintrin.h>
-#endif
+#include "codec/avx2.h"
 
 namespace mailslice::codec {
 
-#ifdef MAILSLICE_BASE64_AVX2
+#ifdef MAILSLICE_AVX2_PATHS
 namespace {
 
 // The classification of Wojciech Muła and Daniel Lemire: a byte's low and high nibbles each
@@ -104,16 +101,11 @@ __attribute__((target("avx2"))) CleanRun DecodeAvx2(const unsigned char* in, siz
   return run;
 }
 
-bool HaveAvx2() {
-  static const bool have = __builtin_cpu_supports("avx2");
-  return have;
-}
-
 }  // namespace
 #endif
 
 CleanRun DecodeCleanBase64(const unsigned char* in, size_t size, unsigned char* out, size_t room) {
-#ifdef MAILSLICE_BASE64_AVX2
+#ifdef MAILSLICE_AVX2_PATHS
   if (HaveAvx2()) return DecodeAvx2(in, size, out, room);
 #endif
   (void)out;

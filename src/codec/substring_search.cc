@@ -2,17 +2,14 @@
 
 #include <cstring>
 
-#if defined(__x86_64__) && (defined(__GNUC__) || defined(__clang__))
-#define MAILSLICE_SEARCH_AVX2 1
-#include <immintrin.h>
-#endif
+#include "codec/avx2.h"
 
 namespace mailslice::codec {
 namespace {
 
 constexpr size_t npos = std::string_view::npos;
 
-#ifdef MAILSLICE_SEARCH_AVX2
+#ifdef MAILSLICE_AVX2_PATHS
 constexpr size_t kBlock = 32;
 
 // Wojciech Muła's filter: 32 places at a time, a place is a candidate when the needle's first
@@ -39,18 +36,13 @@ __attribute__((target("avx2"))) size_t FindAvx2(std::string_view text, std::stri
   *scanned = at;
   return npos;
 }
-
-bool HaveAvx2() {
-  static const bool have = __builtin_cpu_supports("avx2");
-  return have;
-}
 #endif
 
 }  // namespace
 
 size_t FindSubstring(std::string_view text, std::string_view needle, size_t from) {
   if (needle.size() < 2 || from >= text.size()) return text.find(needle, from);
-#ifdef MAILSLICE_SEARCH_AVX2
+#ifdef MAILSLICE_AVX2_PATHS
   if (HaveAvx2()) {
     size_t scanned = from;
     size_t found = FindAvx2(text, needle, from, &scanned);

@@ -116,7 +116,8 @@ void BodyWalk::FromMultipart(CString& result, WalkedText text, const CString& bo
   }
   std::vector<Piece> pieces;
   if (WalkMultipart(text.text, boundary, [&](const Piece& piece) {
-        pieces.push_back(piece);
+        // The delimiter belongs to the walk and goes with it; the pieces are kept without it.
+        pieces.push_back(Piece{piece.begin, piece.end, nullptr});
         return true;
       }) != kWalkDone) {
     result.Empty();  // not multipart after all
