@@ -7,6 +7,7 @@
 
 #include "header/field_lookup.h"
 #include "platform/file_system.h"
+#include "platform/large_pages.h"
 
 namespace mailslice::api {
 namespace {
@@ -35,17 +36,19 @@ int MessageBufferHolder::Load(const CString& path) {
   if (limit && size > *limit) return 0;
   if (size == 0 || size >= kInvalidFileSize) return 0;
   Free();  // from here on the previous message is given up
-  text_ = static_cast<char*>(std::malloc(static_cast<size_t>(size) + 1));
+  text_ = static_cast<char*>(platform::AllocateLarge(static_cast<size_t>(size) + 1));
   if (text_ == nullptr) return 0;
   ++generation_;
   // A short read leaves zeros behind what arrived; the load still succeeds.
   size_t got = 0;
   file->Read(text_, static_cast<size_t>(size), &got);
   std::memset(text_ + got, 0, static_cast<size_t>(size) + 1 - got);
+  memo_ = std::make_unique<mime::TextMemo>(text_, std::strlen(text_), mime::TextMemo::Standing{});
   return 1;
 }
 
 void MessageBufferHolder::Free() {
+  memo_.reset();
   std::free(text_);
   text_ = nullptr;
   ++generation_;

@@ -6,7 +6,10 @@
 #include <mailslice/cstring.h>
 
 #include <cstdint>
+#include <memory>
 #include <optional>
+
+#include "mime/text_memo.h"
 
 namespace mailslice::api {
 
@@ -52,6 +55,10 @@ class MessageBufferHolder {
   CString Field(const char16_t* name) const;
 
   char* text_ = nullptr;  // malloc'd, file size + 1 bytes, always NUL-terminated
+  // What the part readers learn of the message, kept from its load to the next load or free:
+  // the message is the library's and does not change meanwhile, so a body read and an
+  // attachment listing of one message search it once between them.
+  std::unique_ptr<mime::TextMemo> memo_;
   uint64_t generation_ = 0;
 };
 

@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "platform/device_settings.h"
+#include "platform/large_pages.h"
 
 #ifdef __SSE2__
 #include <emmintrin.h>
@@ -47,6 +48,16 @@ struct Decoding {
 // broken escape drops only the "=": the bytes after it are read again as text.
 void DecodeEscape(Decoding& d) {
   const unsigned char* digits = d.in + 1;
+  // Two hex digits, by far the most common escape, in one step: no digit is a CR, and the
+  // error flag is raised for every escape that is not a soft line break.
+  int high = kHexTable[digits[0]];
+  int low = kHexTable[digits[1]];
+  if ((high | low) >= 0) {
+    *d.out++ = static_cast<unsigned char>(high << 4 | low);
+    d.in += kEscapeLength;
+    d.error = 1;
+    return;
+  }
   bool valid = true;
   for (int k = 0; k < 2; ++k) {
     if (!IsHexDigit(digits[k])) valid = false;
@@ -89,25 +100,28 @@ bool CopyPlainRun(Decoding& d) {
   return equals != nullptr;
 }
 
-}  // namespace
-
-char* DecodeQuotedPrintable(const char* text, int* length, int* error) {
-  if (text == nullptr) text = "";
-  size_t size = std::strlen(text);
-  auto* buffer = static_cast<unsigned char*>(std::calloc(size + 1, 1));
-  if (buffer == nullptr) return nullptr;
+// `buffer` holds strlen(text) + 1 bytes; `cleared` says it is all zeros already.
+char* DecodeInto(unsigned char* buffer, bool cleared, const char* text, size_t size, int* length,
+                 int* error) {
   const auto* in = reinterpret_cast<const unsigned char*>(text);
   Decoding d{in, in + size, buffer, buffer};
   bool cut = false;
-  while (CopyPlainRun(d)) {
-    if (static_cast<size_t>(d.end - d.in) < kEscapeLength) {
-      cut = true;  // an escape cut by the end of the text ends the decoding where it stands
-      d.error = 1;
-      break;
-    }
-    DecodeEscape(d);
+  // Escapes come in runs (every byte of an encoded UTF-8 character is one): a run is decoded
+  // before the next plain run is looked for.
+  while (!cut && CopyPlainRun(d)) {
+    do {
+      if (static_cast<size_t>(d.end - d.in) < kEscapeLength) {
+        cut = true;  // an escape cut by the end of the text ends the decoding where it stands
+        d.error = 1;
+        break;
+      }
+      DecodeEscape(d);
+    } while (d.in < d.end && *d.in == '=');
   }
-  if (d.written > d.out) std::memset(d.out, 0, static_cast<size_t>(d.written - d.out));
+  // The block copies may have written behind the output's end: that is cleared, and the NUL
+  // written where the buffer was not cleared beforehand.
+  unsigned char* clearTo = std::max(d.written, cleared ? d.out : d.out + 1);
+  std::memset(d.out, 0, static_cast<size_t>(clearTo - d.out));
   if (error != nullptr) *error = d.error;
   if (cut) return reinterpret_cast<char*>(buffer);
   if (length != nullptr) {
@@ -116,6 +130,25 @@ char* DecodeQuotedPrintable(const char* text, int* length, int* error) {
     std::replace(buffer, d.out, static_cast<unsigned char>('_'), static_cast<unsigned char>(' '));
   }
   return reinterpret_cast<char*>(buffer);
+}
+
+}  // namespace
+
+char* DecodeQuotedPrintable(const char* text, int* length, int* error) {
+  if (text == nullptr) text = "";
+  size_t size = std::strlen(text);
+  // Cleared: the caller gets all size + 1 bytes, zeros behind the decoded text.
+  auto* buffer = static_cast<unsigned char*>(std::calloc(size + 1, 1));
+  if (buffer == nullptr) return nullptr;
+  return DecodeInto(buffer, true, text, size, length, error);
+}
+
+char* DecodeQuotedPrintableBody(const char* text) {
+  if (text == nullptr) text = "";
+  size_t size = std::strlen(text);
+  auto* buffer = static_cast<unsigned char*>(platform::AllocateLarge(size + 1));
+  if (buffer == nullptr) return nullptr;
+  return DecodeInto(buffer, false, text, size, nullptr, nullptr);
 }
 
 }  // namespace mailslice::codec

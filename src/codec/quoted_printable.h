@@ -14,6 +14,11 @@ inline constexpr int kUnderscoreSpaceLanguage = 33;
 // decoding at once, with neither. *error receives the error flag.
 char* DecodeQuotedPrintable(const char* text, int* length, int* error = nullptr);
 
+// DecodeQuotedPrintable(text, nullptr) for a body, which is read up to its NUL only: the
+// buffer is placed for large pages (platform::AllocateLarge) and nothing behind the NUL is
+// cleared, so a body of megabytes costs no more memory traffic than its decoded text.
+char* DecodeQuotedPrintableBody(const char* text);
+
 }  // namespace mailslice::codec
 
 #endif  // MAILSLICE_CODEC_QUOTED_PRINTABLE_H

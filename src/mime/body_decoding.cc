@@ -117,7 +117,7 @@ CString DecodeBodyText(const char* body, CString charset, CString transferEncodi
   transferEncoding.MakeLower();
   if (transferEncoding == u"quoted-printable") {
     // Decoded as an encoded word is: under language 33 underscores become spaces.
-    HeapText decoded(codec::DecodeQuotedPrintable(body, nullptr));
+    HeapText decoded(codec::DecodeQuotedPrintableBody(body));
     return decoded ? ConvertBodyCharset(decoded.get(), charset) : CString();
   }
   if (transferEncoding == u"base64") {

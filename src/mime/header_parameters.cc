@@ -1,5 +1,6 @@
 #include "mime/header_parameters.h"
 
+#include <array>
 #include <cstddef>
 #include <cstring>
 #include <string_view>
@@ -13,7 +14,12 @@ namespace mailslice::mime {
 namespace {
 
 constexpr const char* kMimeVersionMarkers[] = {"Mime-Version: 1.0", "MIME-Version: 1.0"};
-constexpr const char* kBoundarySpellings[] = {"boundary=", "BOUNDARY=", "boundary =", "Boundary="};
+// In order of preference: the first spelling the text holds anywhere is the one read.
+constexpr std::string_view kBoundarySpellings[] = {
+    "boundary=", "BOUNDARY=", "boundary =", "Boundary="};
+// What every spelling but the capitals holds from its second letter on.
+constexpr std::string_view kBoundaryStem = "oundary";
+constexpr size_t kCapitalSpelling = 1;
 constexpr std::string_view kTransferEncoding = "Content-Transfer-Encoding:";
 constexpr std::string_view kTransferEncodingLower = "Content-transfer-encoding:";
 constexpr std::string_view kCharset = "charset=";
@@ -84,17 +90,43 @@ const char* FindContentTypeField(const char* text, int wholeText) {
   }
 }
 
+// Where the value of the boundary parameter starts: behind the first occurrence of the first
+// spelling in kBoundarySpellings that occurs in the text at all. One scan for the shared stem
+// finds the first occurrence of the three lower-case spellings, and a second the capitals only
+// when the preferred spelling is missing, where searching for each spelling in turn would scan a
+// text without a boundary (a long single-part body) four times.
+const char* BoundaryValueStart(std::string_view text) {
+  std::array<size_t, std::size(kBoundarySpellings)> first;
+  first.fill(std::string_view::npos);
+  for (size_t stem = codec::FindSubstring(text, kBoundaryStem, 1);
+       stem != std::string_view::npos && first[0] == std::string_view::npos;
+       stem = codec::FindSubstring(text, kBoundaryStem, stem + 1)) {
+    std::string_view candidate = text.substr(stem - 1);
+    for (size_t spelling = 0; spelling < first.size(); ++spelling) {
+      if (spelling != kCapitalSpelling && first[spelling] == std::string_view::npos &&
+          candidate.starts_with(kBoundarySpellings[spelling])) {
+        first[spelling] = stem - 1;
+      }
+    }
+  }
+  if (first[0] == std::string_view::npos) {
+    first[kCapitalSpelling] = codec::FindSubstring(text, kBoundarySpellings[kCapitalSpelling]);
+  }
+  for (size_t spelling = 0; spelling < first.size(); ++spelling) {
+    if (first[spelling] != std::string_view::npos) {
+      return text.data() + first[spelling] + kBoundarySpellings[spelling].size();
+    }
+  }
+  return nullptr;
+}
+
 }  // namespace
 
 int GetBoundary(const char* text, CString& boundary, int* offset) {
   if (text == nullptr) return 0;
-  const char* valueStart = nullptr;
-  for (const char* spelling : kBoundarySpellings) {
-    if (const char* found = TextMemo::Find(text, spelling)) {
-      valueStart = found + std::strlen(spelling);
-      break;
-    }
-  }
+  const char* valueStart = TextMemo::Find(text, "boundary parameter", [text] {
+    return BoundaryValueStart(std::string_view(text, TextMemo::Length(text)));
+  });
   if (valueStart == nullptr) return 0;
   const char* lineEnd = LineEnd(valueStart);
   if (lineEnd == nullptr) return 0;

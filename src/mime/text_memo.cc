@@ -2,25 +2,54 @@
 
 #include <cstring>
 
+#include "codec/substring_search.h"
+
 namespace mailslice::mime {
 namespace {
 
+constexpr size_t kNotMeasured = static_cast<size_t>(-1);
+
 thread_local TextMemo* g_latest = nullptr;
+// The loaded message is the library's, not a thread's.
+TextMemo* g_standing = nullptr;
 
 }  // namespace
 
-TextMemo::TextMemo(const char* text) : text_(text), outer_(g_latest) { g_latest = this; }
+TextMemo::TextMemo(const char* text) : TextMemo(text, kNotMeasured) {}
 
 TextMemo::TextMemo(const char* text, size_t length)
-    : text_(text), length_(length), outer_(g_latest) {
+    : text_(text), length_(length), outer_(g_latest), standing_(StandingFor(text, length)) {
   g_latest = this;
 }
 
-TextMemo::~TextMemo() { g_latest = outer_; }
+TextMemo::TextMemo(const char* text, size_t length, Standing)
+    : text_(text), length_(length), stands_(true) {
+  g_standing = this;
+}
+
+TextMemo::~TextMemo() {
+  if (stands_) {
+    if (g_standing == this) g_standing = nullptr;
+    return;
+  }
+  g_latest = outer_;
+}
+
+TextMemo* TextMemo::StandingFor(const char* text, size_t length) {
+  if (g_standing == nullptr || g_standing->text_ != text) return nullptr;
+  return length == kNotMeasured || length == g_standing->length_ ? g_standing : nullptr;
+}
 
 TextMemo* TextMemo::Holding(const char* text) {
   for (TextMemo* memo = g_latest; memo != nullptr; memo = memo->outer_) {
-    if (memo->text_ == text) return memo;
+    if (memo->text_ == text) return memo->standing_ != nullptr ? memo->standing_ : memo;
+  }
+  return g_standing != nullptr && g_standing->text_ == text ? g_standing : nullptr;
+}
+
+const std::pair<std::string_view, const char*>* TextMemo::Known(std::string_view key) const {
+  for (const auto& entry : found_) {
+    if (entry.first == key) return &entry;
   }
   return nullptr;
 }
@@ -28,20 +57,18 @@ TextMemo* TextMemo::Holding(const char* text) {
 size_t TextMemo::Length(const char* text) {
   TextMemo* memo = Holding(text);
   if (memo == nullptr) return std::strlen(text);
-  if (memo->length_ == static_cast<size_t>(-1)) memo->length_ = std::strlen(text);
+  if (memo->length_ == kNotMeasured) memo->length_ = std::strlen(text);
   return memo->length_;
 }
 
 const char* TextMemo::Find(const char* text, const char* needle) {
-  TextMemo* memo = Holding(text);
-  if (memo == nullptr) return std::strstr(text, needle);
-  std::string_view word(needle);
-  for (const auto& [known, at] : memo->found_) {
-    if (known == word) return at;
-  }
-  const char* at = std::strstr(text, needle);
-  memo->found_.emplace_back(word, at);
-  return at;
+  if (Holding(text) == nullptr) return std::strstr(text, needle);
+  // Within the length the memo knows, which for the standing memo is the whole text.
+  return Find(text, needle, [&]() -> const char* {
+    std::string_view whole(text, Length(text));
+    size_t at = codec::FindSubstring(whole, needle);
+    return at == std::string_view::npos ? nullptr : text + at;
+  });
 }
 
 }  // namespace mailslice::mime

@@ -23,6 +23,13 @@ class TextMemo {
   // A text whose length is known already.
   TextMemo(const char* text, size_t length);
   ~TextMemo();
+
+  // A memo that outlives calls, for a text that stays as it is until the memo goes (the loaded
+  // message): it answers for the text after any nested memo made for a part of it, and a memo
+  // made later for the whole text hands its questions on to it. Its answers are about the
+  // whole text, whatever part of it is ended in place meanwhile. At most one stands at a time.
+  struct Standing {};
+  TextMemo(const char* text, size_t length, Standing);
   TextMemo(const TextMemo&) = delete;
   TextMemo& operator=(const TextMemo&) = delete;
 
@@ -30,14 +37,31 @@ class TextMemo {
   static size_t Length(const char* text);
   // strstr(text, needle), remembered when a memo holds the text.
   static const char* Find(const char* text, const char* needle);
+  // search(), a place in `text` found by a search of the caller's own, remembered under `key`
+  // when a memo holds the text. A key must differ from every word searched for with Find.
+  // Words and keys are kept as they are given: they must be constants.
+  template <typename Search>
+  static const char* Find(const char* text, std::string_view key, Search search) {
+    TextMemo* memo = Holding(text);
+    if (memo == nullptr) return search();
+    if (const auto* known = memo->Known(key)) return known->second;
+    const char* at = search();
+    memo->found_.emplace_back(key, at);
+    return at;
+  }
 
  private:
   static TextMemo* Holding(const char* text);
+  // The standing memo, when it holds `text` as a whole (`length` unknown, or its own).
+  static TextMemo* StandingFor(const char* text, size_t length);
+  const std::pair<std::string_view, const char*>* Known(std::string_view key) const;
 
   const char* text_;
   size_t length_ = static_cast<size_t>(-1);  // not measured yet
   std::vector<std::pair<std::string_view, const char*>> found_;
-  TextMemo* outer_;
+  TextMemo* outer_ = nullptr;
+  TextMemo* standing_ = nullptr;  // the standing memo this one hands its questions on to
+  bool stands_ = false;
 };
 
 }  // namespace mailslice::mime

@@ -9,6 +9,8 @@
 #include <optional>
 #include <vector>
 
+#include "platform/large_pages.h"
+
 #ifdef __SSE2__
 #include <emmintrin.h>
 #endif
@@ -346,7 +348,7 @@ size_t FastUtf8ThroughPage(const std::string& iconvName, std::string_view utf8, 
   if (!IsSingleBytePage(iconvName)) return 0;
   SingleBytePage& page = PageFor(iconvName, exact);
   if (!page.AsciiBothWays()) return 0;
-  shown.reserve(shown.size() + utf8.size());
+  ReserveLarge(shown, shown.size() + utf8.size());
   return DecodeUtf8InBlocks<true>(
       utf8, [&](char16_t unit) { return page.ShownAs(unit, untilFailure); },
       [&](const char16_t* units, size_t count) { shown.append(units, count); });

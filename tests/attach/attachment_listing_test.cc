@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 #include <mailslice/exports.h>
 
+#include <cstring>
+#include <random>
 #include <string>
 
 #include "mime/attachment_markers.h"
@@ -40,6 +42,27 @@ TEST(AttachmentMarkersTest, FirstMarkerWithHitsGivesTheCount) {
   EXPECT_EQ(IsAttachmentHeader("Content-description: x\r\nname=\"a\""), 1);
   EXPECT_EQ(IsAttachmentHeader("Content-Type: text/plain; filename=a.txt"), 0);
   EXPECT_EQ(IsAttachmentHeader("Content-Disposition: attachment"), 0);
+}
+
+// Only the first marker that occurs at all is counted, overlapping occurrences included:
+// checked against counting each marker in turn on texts made of markers and their pieces.
+TEST(AttachmentMarkersTest, CountAgreesWithCountingEachMarkerInTurn) {
+  const char* const markers[] = {"attachment", "attach;", "filename=", "filename*0*=", "name="};
+  const std::string_view pieces[] = {"attach", "ment", ";", "file", "name", "=", "*0*", "x"};
+  std::mt19937 random(17);
+  for (int round = 0; round < 4000; ++round) {
+    std::string text;
+    for (size_t count = random() % 10; count > 0; --count) text += pieces[random() % 8];
+    int expected = 0;
+    for (const char* marker : markers) {
+      for (const char* at = std::strstr(text.c_str(), marker); at != nullptr;
+           at = std::strstr(at + 1, marker)) {
+        ++expected;
+      }
+      if (expected > 0) break;
+    }
+    EXPECT_EQ(CountAttachmentMarkers(text.c_str()), expected) << text;
+  }
 }
 
 TEST(AttachmentListingTest, ListsNamedPartsInOrder) {

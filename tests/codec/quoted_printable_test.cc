@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <memory>
 #include <random>
 #include <string>
 
@@ -11,6 +12,7 @@
 namespace mailslice::codec {
 namespace {
 
+using mailslice::testing::Repeated;
 using mailslice::testing::ScopedEnv;
 
 constexpr int kUntouched = -7;
@@ -103,9 +105,20 @@ TEST(QuotedPrintableTest, MatchesTheLiteralReadingOnGeneratedInput) {
       std::string text;
       for (int k = int(random() % 40); k > 0; --k) text += pieces[random() % std::size(pieces)];
       bool withLength = random() % 2 == 0;
-      ASSERT_EQ(Decode(text, withLength), ReferenceDecode(text, withLength, language)) << text;
+      Decoded expected = ReferenceDecode(text, withLength, language);
+      ASSERT_EQ(Decode(text, withLength), expected) << text;
+      if (withLength) continue;
+      // A body is the same text up to its NUL.
+      std::unique_ptr<char, decltype(&std::free)> body(DecodeQuotedPrintableBody(text.c_str()),
+                                                       &std::free);
+      ASSERT_EQ(std::string(body.get()), expected.Text()) << text;
     }
   }
+  // A body of megabytes, whose buffer is placed for large pages.
+  std::string large = Repeated("caf=C3=A9 au lait=\r\n ", 200000);
+  std::unique_ptr<char, decltype(&std::free)> body(DecodeQuotedPrintableBody(large.c_str()),
+                                                   &std::free);
+  EXPECT_EQ(std::string(body.get()), Decode(large).Text());
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+#include <random>
 #include <string>
 
 #include "support/test_support.h"
@@ -34,6 +36,40 @@ TEST(BoundaryTest, ReadsTheParameterAndItsOffset) {
   CString boundary;
   EXPECT_EQ(GetBoundary("boundary=\"b\"\r\n", boundary, nullptr), 1);  // the offset is optional
   EXPECT_EQ(boundary, u"b");
+}
+
+// The parameter is read behind the first occurrence of the first spelling that occurs at all,
+// whatever the spellings and near-spellings around it: checked against searching for each
+// spelling in turn. Every line ends in a numbered value, so the value read tells which
+// occurrence was taken.
+TEST(BoundaryTest, AgreesWithSearchingEachSpellingInTurn) {
+  const char* const spellings[] = {"boundary=", "BOUNDARY=", "boundary =", "Boundary="};
+  const std::string_view pieces[] = {"boundary=", "BOUNDARY=", "boundary =", "Boundary=", "oundary",
+                                     "OUNDARY",   "b",         "B",          "=",         " "};
+  std::mt19937 random(31);
+  for (int round = 0; round < 4000; ++round) {
+    std::string text;
+    for (int line = 0; line < 3; ++line) {
+      for (size_t count = random() % 6; count > 0; --count) text += pieces[random() % 10];
+      text += "v" + std::to_string(line) + "\r\n";
+    }
+    size_t start = std::string::npos;
+    for (const char* spelling : spellings) {
+      if (size_t found = text.find(spelling); found != std::string::npos) {
+        start = found + std::strlen(spelling);
+        break;
+      }
+    }
+    CString boundary;
+    int offset = -1;
+    int found = GetBoundary(text.c_str(), boundary, &offset);
+    ASSERT_EQ(found, start != std::string::npos ? 1 : 0) << text;
+    if (found == 0) continue;
+    EXPECT_EQ(offset, static_cast<int>(start)) << text;
+    CString expected = CString::FromUtf8(text.substr(start, text.find("\r\n", start) - start));
+    expected.Trim();
+    EXPECT_EQ(boundary, expected) << text;
+  }
 }
 
 TEST(ContentTypeTest, ReadsTheField) {
