@@ -335,10 +335,12 @@ bool PrepareCorpus(const fs::path& folder) {
 }
 
 // The device that loads the largest messages, in the language asked for, and the library's
-// temporary folder and registry store kept inside the scratch folder.
+// temporary folder and registry store kept inside the scratch folder. The temporary folder is
+// closed to other users, as the one the library makes by default is.
 void SetUpDevice(const Options& options, const Scratch& scratch) {
   if (!options.language.empty()) setenv("MAILSLICE_LANGUAGE", options.language.c_str(), 1);
   fs::create_directories(scratch.path() / "temp");
+  fs::permissions(scratch.path() / "temp", fs::perms::owner_all);
   setenv("MAILSLICE_DEVICE_TYPE", std::to_string(kLargestDeviceType).c_str(), 1);
   setenv("MAILSLICE_TEMP", (scratch.path() / "temp").c_str(), 1);
   setenv("MAILSLICE_REGISTRY", (scratch.path() / "registry.reg").c_str(), 1);

@@ -6,8 +6,8 @@ namespace mailslice::attach {
 namespace {
 
 // Empty when the temporary folder cannot be had.
-std::string TempFilePath() {
-  std::optional<std::string> folder = platform::PrivateTempFolder();
+std::string TempFilePath(bool& closed) {
+  std::optional<std::string> folder = platform::PrivateTempFolder(&closed);
   return folder ? *folder + "/" + kTempFileName : std::string();
 }
 
@@ -16,21 +16,28 @@ std::string TempFilePath() {
 using platform::ErrorCode;
 using platform::Files;
 
-StagedFile::StagedFile() : path_(TempFilePath()) {
+StagedFile::StagedFile() {
+  bool closed = false;
+  path_ = TempFilePath(closed);
   if (path_.empty()) return;
+  // In a folder no other user can enter, the file is private however it is made: it gets the
+  // ordinary mode of a new file, so that it can become the saved file as it is.
+  auto create = [&](ErrorCode* error) {
+    return closed ? Files().CreateNewOrdinary(path_, error) : Files().CreateNew(path_, error);
+  };
   ErrorCode error = platform::kErrorSuccess;
-  file_ = Files().CreateNew(path_, &error);
+  file_ = create(&error);
   // Usually the path is free; only something left there (or planted) has to go first.
   if (file_ == nullptr && error == platform::kErrorFileExists) {
     Files().Remove(path_);
-    file_ = Files().CreateNew(path_, &error);
+    file_ = create(&error);
   }
 }
 
 StagedFile::~StagedFile() {
   if (file_ == nullptr) return;
   file_.reset();
-  Files().Remove(path_);
+  if (!moved_) Files().Remove(path_);
 }
 
 ErrorCode StagedFile::Write(std::string_view bytes) {
@@ -40,7 +47,7 @@ ErrorCode StagedFile::Write(std::string_view bytes) {
 
 ErrorCode StagedFile::CopyTo(const std::string& destination) {
   // A disk that fills up may say so only when the file is closed: that error comes first.
-  return Files().CloseAndCopy(*file_, path_, destination);
+  return Files().CloseAndCopy(*file_, path_, destination, &moved_);
 }
 
 }  // namespace mailslice::attach

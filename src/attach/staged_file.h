@@ -15,7 +15,8 @@ namespace mailslice::attach {
 inline constexpr char kTempFileName[] = "AttachTempfile~.txt";
 
 // Creates the file anew at the temporary path, deleting first whatever an earlier save left
-// there, readable by its owner only and never through a link someone else planted there. The file
+// there, readable by its owner only (by its mode, or by the folder it is in) and never through
+// a link someone else planted there. The file
 // is deleted again when the object goes, whatever happened in between, so no call leaves it behind.
 // Only one save may run at a time: they all share the one path.
 class StagedFile {
@@ -28,13 +29,15 @@ class StagedFile {
   // False when the temporary file could not be created; nothing else may be called then.
   bool created() const { return file_ != nullptr; }
   platform::ErrorCode Write(std::string_view bytes);
-  // Closes the file and copies it over `destination`; the copy replaces the destination in one
-  // step, so a failed copy leaves nothing half-written under the destination name.
+  // Closes the file and copies it over `destination` (or moves it there, where that gives the
+  // same file); the destination is replaced in one step, so a failed copy leaves nothing
+  // half-written under the destination name.
   platform::ErrorCode CopyTo(const std::string& destination);
 
  private:
   std::string path_;
   std::unique_ptr<platform::File> file_;  // kept, closed, after CopyTo
+  bool moved_ = false;                    // CopyTo moved the file: its path is free
 };
 
 }  // namespace mailslice::attach

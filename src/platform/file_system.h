@@ -42,14 +42,24 @@ class FileSystem {
   // Creates a new file that only its owner may read and write; fails when anything (a file or
   // a link someone planted) is already at the path.
   virtual std::unique_ptr<File> CreateNew(const std::string& path, ErrorCode* error) = 0;
+  // As CreateNew, but with the mode any new file gets (the user's umask applies), for a file
+  // built in a folder that no other user can enter: such a file may later be moved to its
+  // destination as it is (see CloseAndCopy). Hosts that cannot tell create it as CreateNew does.
+  virtual std::unique_ptr<File> CreateNewOrdinary(const std::string& path, ErrorCode* error) {
+    return CreateNew(path, error);
+  }
   // Copies `from` to `to`, replacing `to`; the destination changes only once the copy is
   // complete, so a failed copy leaves no partial file under the destination name.
   virtual ErrorCode Copy(const std::string& from, const std::string& to) = 0;
   // Closes `source`, a file that CreateNew opened at `sourcePath` and that has only been written
   // since, and copies it to `to` as Copy does. A close that fails leaves `to` untouched and its
-  // error is the answer. The host copies from the open file instead of opening it again.
-  virtual ErrorCode CloseAndCopy(File& source, const std::string& sourcePath,
-                                 const std::string& to) {
+  // error is the answer. The host copies from the open file instead of opening it again. A
+  // file made by CreateNewOrdinary is moved to `to` instead where the result is the file a copy
+  // would have made (same file system, same mode and group, nothing else attached to it):
+  // `sourcePath` is gone then, and `*moved` says so.
+  virtual ErrorCode CloseAndCopy(File& source, const std::string& sourcePath, const std::string& to,
+                                 bool* moved) {
+    *moved = false;
     if (ErrorCode closed = source.Close(); closed != kErrorSuccess) return closed;
     return Copy(sourcePath, to);
   }

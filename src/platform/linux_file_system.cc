@@ -2,6 +2,7 @@
 #include <errno.h>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -57,7 +58,8 @@ ErrorCode LastErrno() { return ErrorCodeFromErrno(errno); }
 
 class PosixFile final : public File {
  public:
-  explicit PosixFile(int descriptor) : descriptor_(descriptor) {}
+  explicit PosixFile(int descriptor, bool ordinary = false)
+      : descriptor_(descriptor), ordinary_(ordinary) {}
   ~PosixFile() override { Close(); }
 
   std::optional<uint64_t> Size() override {
@@ -91,6 +93,8 @@ class PosixFile final : public File {
   }
 
   int descriptor() const { return descriptor_; }
+  // Created with the ordinary mode of a new file, in a folder no other user can enter.
+  bool ordinary() const { return ordinary_; }
   // Bytes written through this object: the size of a file created new and only written since.
   uint64_t written() const { return written_; }
 
@@ -103,11 +107,46 @@ class PosixFile final : public File {
 
  private:
   int descriptor_;
+  bool ordinary_;
   uint64_t written_ = 0;
 };
 
 int64_t Nanoseconds(const statx_timestamp& time) {
   return static_cast<int64_t>(time.tv_sec) * 1'000'000'000 + time.tv_nsec;
+}
+
+// The folder a host path names its file in.
+std::string ContainingFolder(const std::string& path) {
+  size_t slash = path.rfind('/');
+  if (slash == std::string::npos) return ".";
+  return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+// Whether a new file in `folder` has its access shaped by the folder's default ACL rather
+// than by the umask. A file system without ACLs has none.
+bool HasDefaultAcl(const std::string& folder) {
+  if (getxattr(folder.c_str(), "system.posix_acl_default", nullptr, 0) >= 0) return true;
+  return errno != ENODATA && errno != ENOTSUP;
+}
+
+// Whether moving `file` (made at `path` by CreateNewOrdinary) to `to` gives what a copy would:
+// a new file of the destination's folder, with the mode the umask gives (neither folder has a
+// default ACL), the group a new file there gets, on the same file system, and nothing else
+// attached to it (an ACL, a security label) that would go with it.
+bool MovesAsCopied(int file, const std::string& path, const std::string& to) {
+  struct stat made;
+  if (fstat(file, &made) != 0) return false;
+  ssize_t attributes = flistxattr(file, nullptr, 0);
+  if (attributes > 0 || (attributes < 0 && errno != ENOTSUP)) return false;
+  std::string folder = ContainingFolder(to);
+  struct stat destination;
+  if (stat(folder.c_str(), &destination) != 0 || !S_ISDIR(destination.st_mode) ||
+      destination.st_dev != made.st_dev) {
+    return false;
+  }
+  gid_t group = (destination.st_mode & S_ISGID) != 0 ? destination.st_gid : getegid();
+  if (made.st_gid != group) return false;
+  return !HasDefaultAcl(folder) && !HasDefaultAcl(ContainingFolder(path));
 }
 
 // A name beside `path` that nobody uses yet, for building a file before it takes its place.
@@ -142,6 +181,16 @@ class LinuxFileSystem final : public FileSystem {
     return Open(path, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600, error);
   }
 
+  std::unique_ptr<File> CreateNewOrdinary(const std::string& path, ErrorCode* error) override {
+    int descriptor = open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
+    if (descriptor < 0) {
+      *error = LastErrno();
+      return nullptr;
+    }
+    *error = kErrorSuccess;
+    return std::make_unique<PosixFile>(descriptor, true);
+  }
+
   ErrorCode Copy(const std::string& from, const std::string& to) override {
     ErrorCode error = kErrorSuccess;
     auto source = OpenFileForReading(from, &error);
@@ -152,11 +201,23 @@ class LinuxFileSystem final : public FileSystem {
     return error;
   }
 
-  ErrorCode CloseAndCopy(File& source, const std::string& sourcePath,
-                         const std::string& to) override {
+  ErrorCode CloseAndCopy(File& source, const std::string& sourcePath, const std::string& to,
+                         bool* moved) override {
+    *moved = false;
     auto* created = dynamic_cast<PosixFile*>(&source);
     if (created == nullptr || created->descriptor() < 0) {
-      return FileSystem::CloseAndCopy(source, sourcePath, to);
+      return FileSystem::CloseAndCopy(source, sourcePath, to, moved);
+    }
+    // A move creates no second file, which on a busy file system costs more than the copy.
+    if (created->ordinary() && MovesAsCopied(created->descriptor(), sourcePath, to)) {
+      if (ErrorCode closed = created->Close(); closed != kErrorSuccess) return closed;
+      if (rename(sourcePath.c_str(), to.c_str()) == 0) {
+        *moved = true;
+        return kErrorSuccess;
+      }
+      // Whatever stopped the move (a folder at the destination, a folder not writable) stops
+      // the copy too, which answers as it always has.
+      return Copy(sourcePath, to);
     }
     std::string temporary;
     ErrorCode copied = CopyToSibling(*created, created->written(), to, &temporary);

@@ -13,27 +13,33 @@ constexpr mode_t kGroupAndOtherBits = 077;
 
 // True when `path` is a real folder (not a link) owned by this user; `tighten` takes away any
 // access of other users.
-bool IsOwnFolder(const std::string& path, bool tighten) {
+// access of other users. `*closed` says whether other users have none.
+bool IsOwnFolder(const std::string& path, bool tighten, bool& closed) {
   struct stat status;
   if (lstat(path.c_str(), &status) != 0 || !S_ISDIR(status.st_mode)) return false;
   if (status.st_uid != geteuid()) return false;
-  if (tighten && (status.st_mode & kGroupAndOtherBits) != 0 && chmod(path.c_str(), 0700) != 0) {
-    return false;
+  closed = (status.st_mode & kGroupAndOtherBits) == 0;
+  if (tighten && !closed) {
+    if (chmod(path.c_str(), 0700) != 0) return false;
+    closed = true;
   }
   return true;
 }
 
 }  // namespace
 
-std::optional<std::string> PrivateTempFolder() {
+std::optional<std::string> PrivateTempFolder(bool* closed) {
+  bool closedToOthers = false;
   auto chosen = TempFolderSetting();
   // A folder the user chose keeps its mode; the default one in a shared place is made private.
   std::string path = chosen ? *chosen : HostTempRoot() + "/mailslice-" + std::to_string(geteuid());
   while (path.size() > 1 && path.back() == '/') path.pop_back();
   // The folder is usually there from the last call: one look spares creating it and its parents.
-  if (IsOwnFolder(path, !chosen)) return path;
-  if (Files().MakeFolders(path, true) != kErrorSuccess) return std::nullopt;
-  if (!IsOwnFolder(path, !chosen)) return std::nullopt;
+  if (!IsOwnFolder(path, !chosen, closedToOthers)) {
+    if (Files().MakeFolders(path, true) != kErrorSuccess) return std::nullopt;
+    if (!IsOwnFolder(path, !chosen, closedToOthers)) return std::nullopt;
+  }
+  if (closed != nullptr) *closed = closedToOthers;
   return path;
 }
 

@@ -10,7 +10,9 @@ namespace mailslice::platform {
 // $MAILSLICE_TEMP, else mailslice-<uid> under $TMPDIR (or /tmp), created with mode 0700 when
 // missing. Nothing when the folder cannot be made, or when what is there is not a folder of
 // this user (a link or another user's folder planted in a shared place is never used).
-std::optional<std::string> PrivateTempFolder();
+// `closed`, when given, says whether the folder is closed to every other user (no access for
+// group or others), as the default folder always is; a folder the user chose may not be.
+std::optional<std::string> PrivateTempFolder(bool* closed = nullptr);
 
 }  // namespace mailslice::platform
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <mailslice/exports.h>
 #include <sys/mount.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdint>
@@ -204,6 +205,45 @@ TEST(AttachmentSaverTest, TemporaryFileAndDestination) {
   mailslice::testing::ScopedEnv temp("MAILSLICE_TEMP", scratch.Path("victim"));
   EXPECT_EQ(save("nowhere"), 0);
   EXPECT_FALSE(scratch.Holds("blocked") || scratch.Holds("a") || scratch.Holds("nowhere"));
+}
+
+// Whether the temporary file is moved to the destination or copied there, the saved file is
+// the one a copy makes: the mode the umask gives a new file, the group of the folder's files.
+TEST(AttachmentSaverTest, SavedFileIsANewFileOfItsFolder) {
+  struct Umask {
+    explicit Umask(mode_t mask) : previous(umask(mask)) {}
+    ~Umask() { umask(previous); }
+    mode_t previous;
+  };
+  auto modeOf = [](const std::string& path) {
+    struct stat status {};
+    stat(path.c_str(), &status);
+    return status.st_mode & 07777;
+  };
+  for (mode_t mask : {mode_t{022}, mode_t{077}, mode_t{002}}) {
+    Umask scoped(mask);
+    SaveScratch scratch;
+    // The temporary folder closed to others (the file moves), then open to them (it is copied).
+    for (mode_t tempMode : {mode_t{0700}, mode_t{0755}}) {
+      fs::create_directories(scratch.Path("temp"));
+      chmod(scratch.Path("temp").c_str(), tempMode);
+      ASSERT_EQ(kSavers[0].save("aGVsbG8=", scratch.Path("out")), 1);
+      EXPECT_EQ(Contents(scratch.Path("out")), "hello");
+      EXPECT_EQ(modeOf(scratch.Path("out")), 0666 & ~mask) << std::oct << mask << " " << tempMode;
+      EXPECT_FALSE(scratch.HoldsTempFile());
+    }
+  }
+  // A folder whose files take its group: the saved file has it too.
+  SaveScratch scratch;
+  std::string shared = scratch.Path("shared");
+  fs::create_directories(shared);
+  if (geteuid() != 0 || chown(shared.c_str(), 0, 4242) != 0 || chmod(shared.c_str(), 02775) != 0) {
+    GTEST_SKIP() << "no folder of another group to save into";
+  }
+  ASSERT_EQ(kSavers[0].save("aGVsbG8=", shared + "/out"), 1);
+  struct stat status {};
+  ASSERT_EQ(stat((shared + "/out").c_str(), &status), 0);
+  EXPECT_EQ(status.st_gid, 4242u);
 }
 
 // The copy to the destination reads the temporary file from its start, also where the kernel
