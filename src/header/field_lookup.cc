@@ -6,6 +6,7 @@
 #include "platform/code_page.h"
 #include "platform/device_settings.h"
 #include "platform/letter_case.h"
+#include "platform/wide_search.h"
 
 namespace mailslice::header {
 namespace {
@@ -94,14 +95,14 @@ CString FindField(const PreparedBlock& block, std::u16string_view name, int occu
   std::u16string foldedName = Folded(name);
   std::u16string pattern = Joined(u"\r\n", foldedName, u":");
   LineEnds lineEnds = LineEnds::kCrLf;
-  size_t match = folded.find(pattern);
+  size_t match = platform::FindUnits(folded, pattern);
   if (match == std::u16string::npos) {
     pattern = Joined(u"\n", foldedName, u":");
     lineEnds = LineEnds::kLf;
-    match = folded.find(pattern);
+    match = platform::FindUnits(folded, pattern);
   }
   for (int skipped = 0; skipped < occurrence && match != std::u16string::npos; ++skipped) {
-    match = folded.find(pattern, match + pattern.size());
+    match = platform::FindUnits(folded, pattern, match + pattern.size());
   }
   if (match == std::u16string::npos) return CString();
   size_t start = match + pattern.size();

@@ -5,15 +5,22 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <cstring>
+#include <utility>
+#include <vector>
 
 namespace mailslice::platform {
 namespace {
 
-std::optional<std::string> Variable(const char* name) {
+thread_local SettingsScope* g_scope = nullptr;
+
+std::optional<std::string> ReadVariable(const char* name) {
   const char* value = std::getenv(name);
   if (value == nullptr || *value == '\0') return std::nullopt;
   return std::string(value);
 }
+
+std::optional<std::string> Variable(const char* name) { return KeptVariable(name); }
 
 // A setting that is not a whole number falls back to its default.
 int IntegerVariable(const char* name, int fallback) {
@@ -38,6 +45,22 @@ std::optional<std::string> HomeFolder() {
 }
 
 }  // namespace
+
+SettingsScope::SettingsScope() : outermost_(g_scope == nullptr) {
+  if (outermost_) g_scope = this;
+}
+
+SettingsScope::~SettingsScope() {
+  if (outermost_) g_scope = nullptr;
+}
+
+std::optional<std::string> KeptVariable(const char* name) {
+  if (g_scope == nullptr) return ReadVariable(name);
+  for (const auto& [known, value] : g_scope->read_) {
+    if (std::strcmp(known, name) == 0) return value;
+  }
+  return g_scope->read_.emplace_back(name, ReadVariable(name)).second;
+}
 
 int DeviceType() { return IntegerVariable("MAILSLICE_DEVICE_TYPE", 0); }
 

@@ -1,12 +1,35 @@
 // The device settings as the Linux host stands in for them: each is read from the environment
-// every time it is asked for, so a caller may change a setting between two calls.
+// every time it is asked for, so a caller may change a setting between two calls. Within one
+// call of the library the settings cannot change, and a SettingsScope keeps them meanwhile.
 #ifndef MAILSLICE_PLATFORM_DEVICE_SETTINGS_H
 #define MAILSLICE_PLATFORM_DEVICE_SETTINGS_H
 
 #include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace mailslice::platform {
+
+// While one lives (on this thread), each setting is read from the environment once: a call
+// that converts text asks for the code page at every conversion, and the environment is
+// searched from its start each time. Scopes nest; the outermost keeps the settings.
+class SettingsScope {
+ public:
+  SettingsScope();
+  ~SettingsScope();
+  SettingsScope(const SettingsScope&) = delete;
+  SettingsScope& operator=(const SettingsScope&) = delete;
+
+ private:
+  friend std::optional<std::string> KeptVariable(const char* name);
+  bool outermost_;
+  std::vector<std::pair<const char*, std::optional<std::string>>> read_;  // names are constants
+};
+
+// The environment variable `name` (a constant), empty counting as unset; kept while a
+// SettingsScope lives.
+std::optional<std::string> KeptVariable(const char* name);
 
 // MAILSLICE_DEVICE_TYPE, default 0 (no size limit).
 int DeviceType();

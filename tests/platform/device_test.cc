@@ -4,6 +4,7 @@
 
 #include <filesystem>
 
+#include "platform/device_settings.h"
 #include "platform/temp_folder.h"
 #include "support/test_support.h"
 
@@ -77,6 +78,25 @@ TEST(DeviceTest, SettingsAreReadFreshAndBadNumbersFallBack) {
   EXPECT_EQ(device.GetCurrentDeviceType(), 0);
   EXPECT_EQ(device.GetCurrentLanguageCode(), 1);
   EXPECT_EQ(device.GetResource(12345), u"");
+}
+
+// Within one call the settings are read once (a scope keeps them); the next call reads them
+// again.
+TEST(DeviceTest, ASettingsScopeKeepsWhatItReadUntilItEnds) {
+  CVelEdit device;
+  ScopedEnv language("MAILSLICE_LANGUAGE", "81");
+  {
+    mailslice::platform::SettingsScope call;
+    EXPECT_EQ(device.GetCurrentLanguageCode(), 81);
+    ScopedEnv changed("MAILSLICE_LANGUAGE", "82");
+    ScopedEnv type("MAILSLICE_DEVICE_TYPE", "3");  // not read before: read now
+    mailslice::platform::SettingsScope nested;
+    EXPECT_EQ(device.GetCurrentLanguageCode(), 81);
+    EXPECT_EQ(device.GetCurrentDeviceType(), 3);
+  }
+  EXPECT_EQ(device.GetCurrentLanguageCode(), 81);  // `changed` is gone again
+  ScopedEnv later("MAILSLICE_LANGUAGE", "7");
+  EXPECT_EQ(device.GetCurrentLanguageCode(), 7);
 }
 
 TEST(TempFolderTest, DefaultFolderIsPrivateAndALinkIsRefused) {

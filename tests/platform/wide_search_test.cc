@@ -13,7 +13,8 @@ namespace {
 TEST(WideSearchTest, FindsWhatTheStandardSearchFinds) {
   std::mt19937 random(77);
   const char16_t alphabet[] = {u'a', u'<', u'>', u'&', u'\0', u'\xFFFF', u'\x3C00', u'b'};
-  const std::u16string needles[] = {u"<", u"<br />", u"ab", u"\xFFFF", std::u16string(1, u'\0')};
+  const std::u16string needles[] = {
+      u"<", u"<br />", u"ab", u"\xFFFF", u"a<a", u"\x3C00<", std::u16string(1, u'\0')};
   for (size_t length = 0; length < 40; ++length) {
     for (int round = 0; round < 20; ++round) {
       std::u16string text;
