@@ -12,6 +12,7 @@
 #include "mime/attachment_markers.h"
 #include "mime/header_parameters.h"
 #include "mime/multipart_walker.h"
+#include "mime/text_memo.h"
 #include "platform/code_page.h"
 
 namespace mailslice::attach {
@@ -42,7 +43,7 @@ void MarkAttachment(PartRecord& record) {
 // end, on a copy.
 const char* WithClosingDelimiter(const char* text, const CString& boundary, std::string& repaired) {
   std::string closing = platform::WideToAnsi((boundary + u"--").Str());
-  if (std::strstr(text, closing.c_str()) != nullptr) return text;
+  if (mime::TextMemo::FindWord(text, closing) != nullptr) return text;
   repaired = std::string(text) + "\r\n" + closing;
   return repaired.c_str();
 }

@@ -110,7 +110,7 @@ void BodyWalk::FromMultipart(CString& result, WalkedText text, const CString& bo
   // A message cut off before its closing delimiter gets one, on a private copy.
   std::string closing = platform::WideToAnsi((boundary + u"--").Str());
   std::string repaired;
-  if (std::strstr(text.text, closing.c_str()) == nullptr) {
+  if (TextMemo::FindWord(text.text, closing) == nullptr) {
     repaired = std::string(text.text) + "\r\n--" + closing;
     text = WalkedText(repaired.c_str(), true);
   }

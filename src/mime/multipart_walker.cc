@@ -113,6 +113,41 @@ bool Store(PartRecord* record, const char* begin, const char* end, const std::st
   return true;
 }
 
+int Replay(const TextMemo::KeptWalk& kept, const std::function<bool(const Piece&)>& take) {
+  for (const auto& cut : kept.cuts) {
+    if (!take(Piece{kept.base + cut.begin, kept.base + cut.end, &kept.delimiters[cut.delimiter]})) {
+      return kWalkNotMultipart;
+    }
+  }
+  return kept.result;
+}
+
+// Runs the walk, recording its pieces; the record is complete only when nothing stopped it.
+int Recorded(Walk& walk, TextMemo::KeptWalk& kept, const std::function<bool(const Piece&)>& take) {
+  struct Recording {
+    explicit Recording(TextMemo::KeptWalk& kept) : kept(kept) {
+      kept.recording = true;
+      kept.cuts.clear();
+      kept.delimiters.clear();
+    }
+    ~Recording() { kept.recording = false; }
+    TextMemo::KeptWalk& kept;
+  } recording(kept);
+  bool stopped = false;
+  int result = walk.Run([&](const Piece& piece) {
+    auto known = std::find(kept.delimiters.begin(), kept.delimiters.end(), *piece.delimiter);
+    size_t delimiter = static_cast<size_t>(known - kept.delimiters.begin());
+    if (known == kept.delimiters.end()) kept.delimiters.push_back(*piece.delimiter);
+    kept.cuts.push_back({static_cast<size_t>(piece.begin - kept.base),
+                         static_cast<size_t>(piece.end - kept.base), delimiter});
+    stopped = !take(piece);
+    return !stopped;
+  });
+  kept.complete = !stopped;
+  kept.result = result;
+  return result;
+}
+
 }  // namespace
 
 int GetHeaderLength(const char* text) {
@@ -126,8 +161,13 @@ int WalkMultipart(const char* text, const CString& boundary,
                   const std::function<bool(const Piece&)>& take) {
   if (text == nullptr) return kWalkNotMultipart;
   try {
+    // The loaded message is walked for its body, its attachment list and its saves, each time
+    // to the same pieces: the first complete walk is kept and the others replay it.
+    TextMemo::KeptWalk* kept = TextMemo::KeptWalkOf(text, Delimiter(boundary));
+    if (kept != nullptr && kept->complete) return Replay(*kept, take);
     Walk walk(text, boundary);
-    return walk.Run(take);
+    if (kept == nullptr || kept->recording) return walk.Run(take);
+    return Recorded(walk, *kept, take);
   } catch (const std::bad_alloc&) {
     return kWalkNoDelimiterBuffers;
   }

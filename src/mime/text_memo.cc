@@ -1,6 +1,7 @@
 #include "mime/text_memo.h"
 
 #include <cstring>
+#include <functional>
 
 #include "codec/substring_search.h"
 
@@ -19,6 +20,9 @@ TextMemo::TextMemo(const char* text) : TextMemo(text, kNotMeasured) {}
 
 TextMemo::TextMemo(const char* text, size_t length)
     : text_(text), length_(length), outer_(g_latest), standing_(StandingFor(text, length)) {
+  if (standing_ == nullptr && length != kNotMeasured) {
+    if (Answers* kept = StandingPieceAnswers(text, length)) answers_ = kept;
+  }
   g_latest = this;
 }
 
@@ -40,6 +44,35 @@ TextMemo* TextMemo::StandingFor(const char* text, size_t length) {
   return length == kNotMeasured || length == g_standing->length_ ? g_standing : nullptr;
 }
 
+TextMemo::Answers* TextMemo::StandingPieceAnswers(const char* text, size_t length) {
+  if (g_standing == nullptr || std::less<const char*>()(text, g_standing->text_)) return nullptr;
+  auto offset = static_cast<size_t>(text - g_standing->text_);
+  if (offset > g_standing->length_ || length > g_standing->length_ - offset) return nullptr;
+  return &g_standing->pieces_[{offset, length}];
+}
+
+const char* TextMemo::FindWord(const char* text, const std::string& word) {
+  TextMemo* memo = Holding(text);
+  if (memo == nullptr) return std::strstr(text, word.c_str());
+  // The answers of a piece of the standing memo's text are kept by the standing memo.
+  TextMemo* keeper = memo->answers_ == &memo->found_ ? memo : g_standing;
+  return Find(text, keeper->words_.insert(word).first->c_str());
+}
+
+TextMemo::KeptWalk* TextMemo::KeptWalkOf(const char* text, std::string_view delimiter) {
+  if (g_standing == nullptr || text == nullptr) return nullptr;
+  size_t length = kNotMeasured;
+  if (text == g_standing->text_) length = g_standing->length_;
+  for (TextMemo* memo = g_latest; memo != nullptr && length == kNotMeasured; memo = memo->outer_) {
+    if (memo->text_ == text && memo->answers_ != &memo->found_) length = memo->length_;
+  }
+  if (length == kNotMeasured) return nullptr;
+  auto offset = static_cast<size_t>(text - g_standing->text_);
+  KeptWalk& kept = g_standing->walks_[{offset, length, std::string(delimiter)}];
+  kept.base = g_standing->text_;
+  return &kept;
+}
+
 TextMemo* TextMemo::Holding(const char* text) {
   for (TextMemo* memo = g_latest; memo != nullptr; memo = memo->outer_) {
     if (memo->text_ == text) return memo->standing_ != nullptr ? memo->standing_ : memo;
@@ -48,7 +81,7 @@ TextMemo* TextMemo::Holding(const char* text) {
 }
 
 const std::pair<std::string_view, const char*>* TextMemo::Known(std::string_view key) const {
-  for (const auto& entry : found_) {
+  for (const auto& entry : *answers_) {
     if (entry.first == key) return &entry;
   }
   return nullptr;

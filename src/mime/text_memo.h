@@ -8,7 +8,11 @@
 #define MAILSLICE_MIME_TEXT_MEMO_H
 
 #include <cstddef>
+#include <map>
+#include <set>
+#include <string>
 #include <string_view>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -37,6 +41,29 @@ class TextMemo {
   static size_t Length(const char* text);
   // strstr(text, needle), remembered when a memo holds the text.
   static const char* Find(const char* text, const char* needle);
+  // strstr(text, word) for a word made at run time (a boundary's delimiter), remembered when a
+  // memo holds the text: the memo keeps a copy of the word to remember the answer under.
+  static const char* FindWord(const char* text, const std::string& word);
+
+  // A walk over a text's pieces as a walker recorded it, kept for a text that a standing memo
+  // holds (the loaded message, or a piece of it lent whole), which is cut the same way every
+  // time until the memo goes.
+  struct KeptWalk {
+    struct Cut {
+      size_t begin, end;  // offsets from `base`
+      size_t delimiter;   // index into `delimiters`
+    };
+    const char* base = nullptr;  // the standing memo's text
+    bool complete = false;       // the walk ran to its end: `cuts` are all its pieces
+    bool recording = false;      // a walk is recording it now
+    int result = 0;
+    std::vector<std::string> delimiters;
+    std::vector<Cut> cuts;
+  };
+  // The record of walking `text` at `delimiter` (the boundary in the device code page); null
+  // when no standing memo holds the text.
+  static KeptWalk* KeptWalkOf(const char* text, std::string_view delimiter);
+
   // search(), a place in `text` found by a search of the caller's own, remembered under `key`
   // when a memo holds the text. A key must differ from every word searched for with Find.
   // Words and keys are kept as they are given: they must be constants.
@@ -46,7 +73,7 @@ class TextMemo {
     if (memo == nullptr) return search();
     if (const auto* known = memo->Known(key)) return known->second;
     const char* at = search();
-    memo->found_.emplace_back(key, at);
+    memo->answers_->emplace_back(key, at);
     return at;
   }
 
@@ -56,9 +83,18 @@ class TextMemo {
   static TextMemo* StandingFor(const char* text, size_t length);
   const std::pair<std::string_view, const char*>* Known(std::string_view key) const;
 
+  using Answers = std::vector<std::pair<std::string_view, const char*>>;
+  // Where the answers about a piece of the standing memo's text are kept, so that every walk
+  // over the text until the memo goes finds them: its pieces are the same each time.
+  static Answers* StandingPieceAnswers(const char* text, size_t length);
+
   const char* text_;
   size_t length_ = static_cast<size_t>(-1);  // not measured yet
-  std::vector<std::pair<std::string_view, const char*>> found_;
+  Answers found_;
+  Answers* answers_ = &found_;
+  std::map<std::pair<size_t, size_t>, Answers> pieces_;  // the standing memo's, by place
+  std::map<std::tuple<size_t, size_t, std::string>, KeptWalk> walks_;  // the standing memo's
+  std::set<std::string> words_;  // the words of FindWord answers kept here
   TextMemo* outer_ = nullptr;
   TextMemo* standing_ = nullptr;  // the standing memo this one hands its questions on to
   bool stands_ = false;

@@ -5,10 +5,12 @@
 #include <memory>
 #include <random>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "mime/content_type_reader.h"
 #include "mime/header_parameters.h"
+#include "mime/text_memo.h"
 #include "support/test_support.h"
 
 namespace mailslice::mime {
@@ -118,6 +120,34 @@ TEST(MultipartWalkerTest, CountAlwaysEqualsTheRecordsStored) {
     // When no part is cut, record 0 holds the whole text instead.
     int stored = cut.result == kWalkNotMultipart ? cut.count + 1 : cut.count;
     ASSERT_EQ(cut.Texts().size(), size_t(stored)) << message;
+  }
+}
+
+// The pieces of a walk as (begin, end, delimiter), up to `limit` pieces.
+std::vector<std::tuple<ptrdiff_t, ptrdiff_t, std::string>> Walked(const char* text,
+                                                                  size_t limit = SIZE_MAX) {
+  std::vector<std::tuple<ptrdiff_t, ptrdiff_t, std::string>> pieces;
+  WalkMultipart(text, u"B", [&](const Piece& piece) {
+    pieces.emplace_back(piece.begin - text, piece.end - text, *piece.delimiter);
+    return pieces.size() < limit;
+  });
+  return pieces;
+}
+
+// A text the library keeps (the loaded message) is walked once and replayed after: a replay
+// gives the walk's pieces, also after a first walk that was stopped early.
+TEST(MultipartWalkerTest, AKeptTextReplaysItsWalk) {
+  std::mt19937 random(4711);
+  for (int round = 0; round < 300; ++round) {
+    std::string message = RandomMessage(random);
+    auto expected = Walked(message.c_str());
+    TextMemo standing(message.c_str(), message.size(), TextMemo::Standing{});
+    if (round % 2 == 0) Walked(message.c_str(), 1);  // stopped: nothing is kept
+    for (int walk = 0; walk < 2; ++walk) ASSERT_EQ(Walked(message.c_str()), expected) << message;
+    if (expected.size() > 1) {
+      ASSERT_EQ(Walked(message.c_str(), 1),
+                decltype(expected)(expected.begin(), expected.begin() + 1));
+    }
   }
 }
 
