@@ -8,7 +8,6 @@
 #include <cstring>
 
 #include "platform/device_settings.h"
-#include "platform/large_pages.h"
 
 #ifdef __SSE2__
 #include <emmintrin.h>
@@ -143,12 +142,9 @@ char* DecodeQuotedPrintable(const char* text, int* length, int* error) {
   return DecodeInto(buffer, true, text, size, length, error);
 }
 
-char* DecodeQuotedPrintableBody(const char* text) {
-  if (text == nullptr) text = "";
-  size_t size = std::strlen(text);
-  auto* buffer = static_cast<unsigned char*>(platform::AllocateLarge(size + 1));
-  if (buffer == nullptr) return nullptr;
-  return DecodeInto(buffer, false, text, size, nullptr, nullptr);
+void DecodeQuotedPrintableBody(const char* text, size_t size, std::string& decoded) {
+  decoded.assign(size + 1, '\0');
+  DecodeInto(reinterpret_cast<unsigned char*>(decoded.data()), true, text, size, nullptr, nullptr);
 }
 
 }  // namespace mailslice::codec

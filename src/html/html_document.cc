@@ -5,6 +5,7 @@
 #include <new>
 
 #include "platform/code_page.h"
+#include "platform/white_space.h"
 
 namespace mailslice::html {
 namespace {
@@ -69,11 +70,21 @@ void BodyTextCollector::Attribute(std::string_view name, std::optional<std::stri
   // Any attribute named TEXT... counts, so comments and a body tag's own TEXT colour are read
   // as text too, as the device always did.
   if (!inBody_ || !name.starts_with(kContentAttributeName)) return;
-  // An attribute written without a value reads as empty text.
-  CString line(reader_.Widen(value.value_or(std::string_view())));
-  line.Trim();
-  if (line.IsEmpty() || line.Str().starts_with(kScriptCommentPrefix)) return;
-  text_.append(line.Str()).append(kLineBreak);
+  // An attribute written without a value reads as empty text. The line is widened onto the end
+  // of the text and trimmed there.
+  const size_t start = text_.size();
+  reader_.AppendWidened(value.value_or(std::string_view()), text_);
+  auto first = std::find_if_not(text_.begin() + start, text_.end(), platform::IsTrimmedSpace);
+  auto end =
+      std::find_if_not(text_.rbegin(), std::make_reverse_iterator(first), platform::IsTrimmedSpace)
+          .base();
+  if (first == end || std::u16string_view(&*first, end - first).starts_with(kScriptCommentPrefix)) {
+    text_.resize(start);
+    return;
+  }
+  text_.erase(end, text_.end());
+  text_.erase(text_.begin() + start, first);
+  text_.append(kLineBreak);
 }
 
 CString HtmlDocument::CollectBodyText() const {

@@ -11,6 +11,7 @@
 
 #include "html/html_document.h"
 #include "html/tag_table.h"
+#include "platform/byte_search.h"
 
 namespace mailslice::html {
 namespace {
@@ -64,8 +65,6 @@ bool StartsWith(const char* text, std::string_view prefix) {
 }
 
 bool EndsTagName(char ch) { return ch == '\n' || ch == ' ' || ch == '>' || ch == '\0'; }
-
-bool EndsAttributeName(char ch) { return ch == ' ' || ch == '=' || ch == '<' || ch == '>'; }
 
 // Hands each element to a BodyTextCollector as soon as it is complete, keeping only the one
 // being read; names and values point into the page.
@@ -190,7 +189,9 @@ class Parser {
       cursor_ = SkipHtmlSpace(cursor_);
       if (AtTagEnd()) return;
       const char* name = cursor_;
-      while (*cursor_ != '\0' && (!EndsAttributeName(*cursor_) || AtStrayLessThan())) ++cursor_;
+      while ((cursor_ = FindFirstOf(cursor_, ' ', '=', '<', '>')) != end_ && AtStrayLessThan()) {
+        ++cursor_;
+      }
       if (*cursor_ == '\0' || cursor_ == name) return;
       auto attribute = builder_.AddAttribute(element, std::string_view(name, cursor_ - name));
       cursor_ = SkipHtmlSpace(cursor_);
@@ -215,13 +216,19 @@ class Parser {
     if (quote != '\0') ++cursor_;
     char stop = quote != '\0' ? quote : ' ';
     const char* start = cursor_;
-    while (*cursor_ != '\0' && *cursor_ != stop && *cursor_ != '>' &&
-           (*cursor_ != '<' || AtStrayLessThan())) {
+    while ((cursor_ = FindFirstOf(cursor_, stop, '>', '<')) != end_ && AtStrayLessThan()) {
       ++cursor_;
     }
     std::string_view value(start, cursor_ - start);
     if (quote != '\0' && *cursor_ == quote) ++cursor_;
     return value;
+  }
+
+  // The first of `bytes` at or after `from`, or the end of the page.
+  template <typename... Bytes>
+  const char* FindFirstOf(const char* from, Bytes... bytes) const {
+    size_t at = platform::FindAnyByte(std::string_view(from, end_ - from), 0, bytes...);
+    return at == std::string_view::npos ? end_ : from + at;
   }
 
   const char* FindLessThan(const char* from) const {
@@ -244,11 +251,18 @@ class Parser {
 }  // namespace
 
 CString HtmlDocument::ReadBodyText(const char* text) {
-  BodyTextCollector collector;
-  if (text == nullptr) return collector.Take();
-  TextBuilder builder(collector);
-  Parser<TextBuilder>(text, builder).Run();
-  return collector.Take();
+  std::u16string collected;
+  ReadBodyTextInto(text, collected);
+  return CString(std::move(collected));
+}
+
+void HtmlDocument::ReadBodyTextInto(const char* text, std::u16string& storage) {
+  BodyTextCollector collector(std::move(storage));
+  if (text != nullptr) {
+    TextBuilder builder(collector);
+    Parser<TextBuilder>(text, builder).Run();
+  }
+  storage = collector.TakeText();
 }
 
 int HtmlDocument::Parse(const char* text) {

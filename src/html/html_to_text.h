@@ -4,6 +4,8 @@
 
 #include <mailslice/cstring.h>
 
+#include <string>
+
 #include "platform/html_engine.h"
 
 namespace mailslice::html {
@@ -14,6 +16,10 @@ namespace mailslice::html {
 // result may be empty.
 CString ConvertHtmlToText(const CString& html);
 CString ConvertHtmlToText(const CString& html, platform::HtmlEngine& engine);
+// The same for a body the caller is done with: its buffer is worked in and then kept for the
+// next body (platform/spare_buffers.h).
+CString ConvertHtmlToText(std::u16string&& html);
+CString ConvertHtmlToText(std::u16string&& html, platform::HtmlEngine& engine);
 
 }  // namespace mailslice::html
 

@@ -5,6 +5,7 @@
 
 #include <mailslice/cstring.h>
 
+#include <string>
 #include <string_view>
 
 namespace mailslice::mime {
@@ -14,6 +15,8 @@ namespace mailslice::mime {
 // with no charset conversion.
 CString DecodeBodyText(const char* body, CString charset, CString transferEncoding,
                        const CString& contentType);
+// The same text, for a caller that goes on working on it.
+std::u16string DecodeBodyWide(const char* body, CString charset, CString transferEncoding);
 
 // 8-bit text in `charset` (lower case) to wide text, by the rules of the device's language.
 CString ConvertBodyCharset(std::string_view text, const CString& charset);

@@ -5,6 +5,8 @@
 
 #include <mailslice/cstring.h>
 
+#include <string>
+
 namespace mailslice::mime {
 
 // The HTML arguments that the body exports pass through to the HTML conversion:
@@ -26,7 +28,7 @@ struct HtmlArguments {
 CString HtmlSourcePath(const CString& fileName);
 
 // The readable text of an HTML body, after saving its source when asked.
-CString HtmlBodyToText(const CString& html, const HtmlArguments& arguments);
+CString HtmlBodyToText(std::u16string html, const HtmlArguments& arguments);
 
 }  // namespace mailslice::mime
 

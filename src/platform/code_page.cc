@@ -265,9 +265,18 @@ std::u16string MultiByteToWide(unsigned codePage, std::string_view bytes) {
   return NamedToWide(IconvName(codePage), bytes);
 }
 
-AnsiReader::AnsiReader() : name_(IconvName(kAnsiCodePage)) {}
+AnsiReader::AnsiReader() : name_(IconvName(kAnsiCodePage)), fast_(name_, kExactConversions) {}
 
-std::u16string AnsiReader::Widen(std::string_view bytes) const { return NamedToWide(name_, bytes); }
+std::u16string AnsiReader::Widen(std::string_view bytes) const {
+  std::u16string wide;
+  AppendWidened(bytes, wide);
+  return wide;
+}
+
+void AnsiReader::AppendWidened(std::string_view bytes, std::u16string& wide) const {
+  size_t done = fast_.Append(bytes, wide);
+  if (done < bytes.size()) wide += IconvToWide(name_, bytes.substr(done));
+}
 
 std::string WideToMultiByte(unsigned codePage, std::u16string_view text) {
   std::string name = IconvName(codePage);
@@ -278,12 +287,16 @@ std::string WideToMultiByte(unsigned codePage, std::u16string_view text) {
 }
 
 std::string WideToMultiByteUntilFailure(std::u16string_view text) {
+  std::string narrow;
+  WideToMultiByteUntilFailure(text, narrow);
+  return narrow;
+}
+
+void WideToMultiByteUntilFailure(std::u16string_view text, std::string& narrow) {
   text = text.substr(0, FindUnit(text, u'\0'));
   std::string name = IconvName(kAnsiCodePage);
-  std::string narrow;
   size_t done = FastPrefixToNarrow(name, text, narrow, kExactConversions, true);
   if (done < text.size()) narrow += IconvToNarrowUntilFailure(name, text.substr(done));
-  return narrow;
 }
 
 std::u16string WideThroughAnsi(std::u16string text, bool untilFailure) {
@@ -304,11 +317,16 @@ std::u16string WideThroughAnsi(std::u16string text, bool untilFailure) {
 
 std::u16string Utf8ThroughAnsi(std::string_view utf8, bool untilFailure) {
   std::u16string shown;
+  Utf8ThroughAnsi(utf8, untilFailure, shown);
+  return shown;
+}
+
+void Utf8ThroughAnsi(std::string_view utf8, bool untilFailure, std::u16string& shown) {
   size_t taken =
       FastUtf8ThroughPage(IconvName(kAnsiCodePage), utf8, untilFailure, shown, kExactConversions);
-  if (taken == utf8.size()) return shown;
+  if (taken == utf8.size()) return;
   std::u16string rest = MultiByteToWide(kUtf8CodePage, utf8.substr(taken));
-  return shown.append(WideThroughAnsi(std::move(rest), untilFailure));
+  shown.append(WideThroughAnsi(std::move(rest), untilFailure));
 }
 
 std::u16string AnsiToWide(std::string_view bytes) { return MultiByteToWide(kAnsiCodePage, bytes); }

@@ -169,6 +169,8 @@ size_t Utf8Prefix(std::string_view bytes, std::u16string& wide) {
       [&](const char16_t* units, size_t count) { wide.append(units, count); });
 }
 
+}  // namespace
+
 // What iconv makes of each character of one single-byte code page, asked once per byte and
 // once per wide character met.
 class SingleBytePage {
@@ -302,6 +304,8 @@ class SingleBytePage {
                                      std::vector<char16_t>(0x10000, kLookCloser)};
 };
 
+namespace {
+
 bool IsSingleBytePage(const std::string& name) {
   return std::find(std::begin(kSingleBytePages), std::end(kSingleBytePages), name) !=
          std::end(kSingleBytePages);
@@ -321,9 +325,16 @@ SingleBytePage& PageFor(const std::string& name, const ExactConversions& exact) 
 
 size_t FastPrefixToWide(const std::string& iconvName, std::string_view bytes, std::u16string& wide,
                         const ExactConversions& exact) {
-  if (iconvName == kUtf8Name) return Utf8Prefix(bytes, wide);
-  if (!IsSingleBytePage(iconvName)) return 0;
-  return PageFor(iconvName, exact).ToWide(bytes, wide);
+  return FastWidener(iconvName, exact).Append(bytes, wide);
+}
+
+FastWidener::FastWidener(const std::string& iconvName, const ExactConversions& exact)
+    : utf8_(iconvName == kUtf8Name),
+      page_(IsSingleBytePage(iconvName) ? &PageFor(iconvName, exact) : nullptr) {}
+
+size_t FastWidener::Append(std::string_view bytes, std::u16string& wide) const {
+  if (utf8_) return Utf8Prefix(bytes, wide);
+  return page_ != nullptr ? page_->ToWide(bytes, wide) : 0;
 }
 
 size_t FastPrefixToNarrow(const std::string& iconvName, std::u16string_view text,

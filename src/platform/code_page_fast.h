@@ -26,6 +26,20 @@ struct ExactConversions {
 size_t FastPrefixToWide(const std::string& iconvName, std::string_view bytes, std::u16string& wide,
                         const ExactConversions& exact);
 
+class SingleBytePage;
+
+// FastPrefixToWide for many texts in one code page, which is looked up once (for the thousands
+// of text runs of an HTML page). Used on the thread that made it.
+class FastWidener {
+ public:
+  FastWidener(const std::string& iconvName, const ExactConversions& exact);
+  size_t Append(std::string_view bytes, std::u16string& wide) const;
+
+ private:
+  bool utf8_;
+  SingleBytePage* page_;  // null for a page without a fast path
+};
+
 // Appends to `narrow` the conversion of the longest start of `text` that the fast path
 // converts exactly (a character the code page cannot hold becomes what iconv makes of it, or,
 // with `untilFailure`, ends the prefix); returns the number of units taken.
