@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "codec/quoted_printable_vector.h"
 #include "platform/device_settings.h"
 
 #ifdef __SSE2__
@@ -99,6 +100,15 @@ bool CopyPlainRun(Decoding& d) {
   return equals != nullptr;
 }
 
+// Decodes the blocks the vector decoder takes whole.
+void DecodeVectorBlocks(Decoding& d) {
+  DecodedBlocks blocks = DecodePlainEscapeBlocks(d.in, static_cast<size_t>(d.end - d.in), d.out);
+  d.written = std::max(d.written, d.out + blocks.read);
+  d.in += blocks.read;
+  d.out += blocks.written;
+  if (blocks.anyEscape) d.error = 1;
+}
+
 // `buffer` holds strlen(text) + 1 bytes; `cleared` says it is all zeros already.
 char* DecodeInto(unsigned char* buffer, bool cleared, const char* text, size_t size, int* length,
                  int* error) {
@@ -107,7 +117,9 @@ char* DecodeInto(unsigned char* buffer, bool cleared, const char* text, size_t s
   bool cut = false;
   // Escapes come in runs (every byte of an encoded UTF-8 character is one): a run is decoded
   // before the next plain run is looked for.
-  while (!cut && CopyPlainRun(d)) {
+  while (!cut) {
+    DecodeVectorBlocks(d);
+    if (!CopyPlainRun(d)) break;
     do {
       if (static_cast<size_t>(d.end - d.in) < kEscapeLength) {
         cut = true;  // an escape cut by the end of the text ends the decoding where it stands
