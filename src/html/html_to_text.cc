@@ -43,9 +43,11 @@ void NarrowForReading(std::u16string_view html, std::string& narrow) {
 
 // The text is collected into the body's own buffer once the body is narrowed, and handed back
 // in a string of its own length.
-CString TextFromOwnReader(std::u16string&& html) {
-  std::string narrow = platform::TakeSpareBytes(html.size() + 1);
-  NarrowForReading(html, narrow);
+CString TextFromOwnReader(std::u16string&& html, std::string&& narrow) {
+  if (narrow.empty()) {
+    narrow = platform::TakeSpareBytes(html.size() + 1);
+    NarrowForReading(html, narrow);
+  }
   HtmlDocument::ReadBodyTextInto(narrow.c_str(), html);
   HtmlEntityDecoder().DecodeInPlace(html);
   CString text{std::u16string(html)};
@@ -63,23 +65,24 @@ std::u16string SpareCopy(std::u16string_view html) {
 }  // namespace
 
 CString ConvertHtmlToText(const CString& html) {
-  return ConvertHtmlToText(SpareCopy(html.Str()), platform::HostHtmlEngine());
+  return ConvertHtmlToText(SpareCopy(html.Str()), std::string(), platform::HostHtmlEngine());
 }
 
 CString ConvertHtmlToText(const CString& html, platform::HtmlEngine& engine) {
-  return ConvertHtmlToText(SpareCopy(html.Str()), engine);
+  return ConvertHtmlToText(SpareCopy(html.Str()), std::string(), engine);
 }
 
-CString ConvertHtmlToText(std::u16string&& html) {
-  return ConvertHtmlToText(std::move(html), platform::HostHtmlEngine());
+CString ConvertHtmlToText(std::u16string&& html, std::string&& page) {
+  return ConvertHtmlToText(std::move(html), std::move(page), platform::HostHtmlEngine());
 }
 
-CString ConvertHtmlToText(std::u16string&& html, platform::HtmlEngine& engine) {
+CString ConvertHtmlToText(std::u16string&& html, std::string&& page, platform::HtmlEngine& engine) {
   if (std::optional<std::u16string> bodyText = engine.BodyText(html)) {
     platform::KeepSpare(std::move(html));
+    platform::KeepSpare(std::move(page));
     return CString(std::move(*bodyText));
   }
-  return TextFromOwnReader(std::move(html));
+  return TextFromOwnReader(std::move(html), std::move(page));
 }
 
 }  // namespace mailslice::html

@@ -17,9 +17,11 @@ namespace mailslice::html {
 CString ConvertHtmlToText(const CString& html);
 CString ConvertHtmlToText(const CString& html, platform::HtmlEngine& engine);
 // The same for a body the caller is done with: its buffer is worked in and then kept for the
-// next body (platform/spare_buffers.h).
-CString ConvertHtmlToText(std::u16string&& html);
-CString ConvertHtmlToText(std::u16string&& html, platform::HtmlEngine& engine);
+// next body (platform/spare_buffers.h). `page`, when not empty, is the body already narrowed to
+// the device code page as the reader narrows it (see NarrowForReading), which is then not done
+// again.
+CString ConvertHtmlToText(std::u16string&& html, std::string&& page = std::string());
+CString ConvertHtmlToText(std::u16string&& html, std::string&& page, platform::HtmlEngine& engine);
 
 }  // namespace mailslice::html
 

@@ -50,14 +50,15 @@ std::u16string ThroughTable(std::string_view text, char16_t (*table)(unsigned)) 
 
 // What the converter's Utf8ToDevice hands over, read back through the device code page; done
 // here on the strings themselves, without its NUL-terminated copies.
-std::u16string FromUtf8ThroughDevice(std::string_view text) {
+std::u16string FromUtf8ThroughDevice(std::string_view text, std::string* page) {
   text = text.substr(0, text.find('\0'));
   // Text saved by Windows editors starts with a byte order mark; it is left out.
   if (text.starts_with(kUtf8ByteOrderMark)) text.remove_prefix(kUtf8ByteOrderMark.size());
   // There the narrowing stops at the first character that the code page cannot hold.
   bool untilFailure = platform::LanguageCode() == codec::kWcstombsLanguage;
   std::u16string wide = platform::TakeSpareWide(text.size());
-  platform::Utf8ThroughAnsi(text, untilFailure, wide);
+  if (page != nullptr) *page = platform::TakeSpareBytes(text.size() + 1);
+  platform::Utf8ThroughAnsi(text, untilFailure, wide, page);
   return wide;
 }
 
@@ -74,7 +75,7 @@ std::u16string ForJapaneseDevice(std::string_view text, const CString& charset) 
     converter.JisToShiftJis(shiftJis.data(), source.c_str());
     return Widened(shiftJis);
   }
-  if (charset == u"utf-8") return FromUtf8ThroughDevice(text);
+  if (charset == u"utf-8") return FromUtf8ThroughDevice(text, nullptr);
   // The UTF-7 conversion hands nothing back: the text is shown as it came.
   if (charset == u"koi8-r") return ThroughTable(text, codec::Koi8rToUtf16);
   if (charset == u"windows-1251") return ThroughTable(text, codec::Windows1251ToUtf16);
@@ -94,7 +95,8 @@ std::u16string ReadAs(std::string_view text, std::string_view charset) {
   return wide ? std::move(*wide) : Widened(text);
 }
 
-std::u16string ConvertCharset(std::string_view text, const CString& charset) {
+std::u16string ConvertCharset(std::string_view text, const CString& charset,
+                              std::string* page = nullptr) {
   int language = CVelEdit().GetCurrentLanguageCode();
   if (language == kJapaneseLanguage) return ForJapaneseDevice(text, charset);
   if (charset == u"iso-8859-2") {
@@ -102,7 +104,7 @@ std::u16string ConvertCharset(std::string_view text, const CString& charset) {
     // which places several letters elsewhere); others widen the bytes as they are.
     return language == kCentralEuropeanLanguage ? ReadAs(text, "iso-8859-2") : Widened(text);
   }
-  if (EndsWith(charset, u"utf-8")) return FromUtf8ThroughDevice(text);
+  if (EndsWith(charset, u"utf-8")) return FromUtf8ThroughDevice(text, page);
   if (charset == u"iso-8859-6") {
     // Arabic devices take the text widened through windows-1256 back to its bytes and read
     // those as ISO-8859-6, giving the letters in logical order as Unicode stores them.
@@ -117,7 +119,9 @@ CString ConvertBodyCharset(std::string_view text, const CString& charset) {
   return CString(ConvertCharset(text, charset));
 }
 
-std::u16string DecodeBodyWide(const char* body, CString charset, CString transferEncoding) {
+std::u16string DecodeBodyWide(const char* body, CString charset, CString transferEncoding,
+                              std::string* page) {
+  if (page != nullptr) page->clear();
   if (body == nullptr) return std::u16string();
   charset.MakeLower();
   transferEncoding.MakeLower();
@@ -127,7 +131,7 @@ std::u16string DecodeBodyWide(const char* body, CString charset, CString transfe
     size_t size = std::strlen(body);
     std::string decoded = platform::TakeSpareBytes(size + 1);
     codec::DecodeQuotedPrintableBody(body, size, decoded);
-    std::u16string wide = ConvertCharset(decoded.c_str(), charset);
+    std::u16string wide = ConvertCharset(decoded.c_str(), charset, page);
     platform::KeepSpare(std::move(decoded));
     return wide;
   }
@@ -136,10 +140,11 @@ std::u16string DecodeBodyWide(const char* body, CString charset, CString transfe
     HeapText decoded(codec::DecodeBase64(body, &length));
     if (!decoded) return std::u16string();
     // Only the bytes the decoder counts: a spoiled last group leaves uncounted bytes behind.
-    return ConvertCharset(std::string_view(decoded.get(), static_cast<size_t>(length)), charset);
+    return ConvertCharset(std::string_view(decoded.get(), static_cast<size_t>(length)), charset,
+                          page);
   }
   if (transferEncoding == u"8bit" || transferEncoding == u"7bit") {
-    return ConvertCharset(body, charset);
+    return ConvertCharset(body, charset, page);
   }
   return Widened(body);
 }

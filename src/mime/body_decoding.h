@@ -15,8 +15,11 @@ namespace mailslice::mime {
 // with no charset conversion.
 CString DecodeBodyText(const char* body, CString charset, CString transferEncoding,
                        const CString& contentType);
-// The same text, for a caller that goes on working on it.
-std::u16string DecodeBodyWide(const char* body, CString charset, CString transferEncoding);
+// The same text, for a caller that goes on working on it. Given `page`, it receives the text
+// narrowed to the device code page as the HTML reader reads it, when that comes out of the
+// decoding (UTF-8 bodies on the single-byte code pages); else it is left empty.
+std::u16string DecodeBodyWide(const char* body, CString charset, CString transferEncoding,
+                              std::string* page = nullptr);
 
 // 8-bit text in `charset` (lower case) to wide text, by the rules of the device's language.
 CString ConvertBodyCharset(std::string_view text, const CString& charset);

@@ -17,6 +17,7 @@
 #include "mime/piece_text.h"
 #include "mime/text_memo.h"
 #include "platform/code_page.h"
+#include "platform/spare_buffers.h"
 #include "platform/white_space.h"
 
 namespace mailslice::mime {
@@ -97,14 +98,16 @@ CString BodyWalk::FromSinglePart(const char* text) const {
   const char* start = SinglePartBody(text, copy);
   CString contentType = GetContentType(text, 0);
   if (start != nullptr && start[0] == '\r' && start[1] == '\n') start += 2;
-  std::u16string decoded = DecodeBodyWide(start, GetCharSet(text), GetTransEncode(text));
-  if (contentType.CompareNoCase(u"text/html") == 0)
-    return HtmlBodyToText(std::move(decoded), html_);
-  if (NamesApplication(contentType)) return CString();
   // A page sent without any Content-Type still opens with its doctype.
-  if (contentType.IsEmpty() && decoded.starts_with(kDoctype)) {
-    return HtmlBodyToText(std::move(decoded), html_);
+  bool html = contentType.CompareNoCase(u"text/html") == 0;
+  std::string page;
+  std::u16string decoded = DecodeBodyWide(start, GetCharSet(text), GetTransEncode(text),
+                                          html || contentType.IsEmpty() ? &page : nullptr);
+  if (html || (contentType.IsEmpty() && decoded.starts_with(kDoctype))) {
+    return HtmlBodyToText(std::move(decoded), std::move(page), html_);
   }
+  platform::KeepSpare(std::move(page));
+  if (NamesApplication(contentType)) return CString();
   return CString(std::move(decoded));
 }
 
@@ -222,14 +225,24 @@ void BodyWalk::ProcessPart(CString& result, WalkedText walked, const CString& bo
   if (IsAttachmentPart(part) == 1) return;
   HeapText body(GetMultiPartFirstBody(part));
   if (!body) return;
-  std::u16string decoded = DecodeBodyWide(body.get(), charset, transferEncoding);
+  bool html = partType.CompareNoCase(u"text/html") == 0;
+  std::string page;
+  std::u16string decoded =
+      DecodeBodyWide(body.get(), charset, transferEncoding, html ? &page : nullptr);
   if (decoded.empty()) {
     result.Empty();
     return;
   }
-  platform::TrimSpaces(decoded);
-  if (partType.CompareNoCase(u"text/html") == 0) {
-    result = HtmlBodyToText(std::move(decoded), html_);
+  // The page holds a byte for each unit: it is trimmed at the same places.
+  platform::TrimmedRange kept = platform::Untrimmed(decoded);
+  decoded.resize(kept.end);
+  decoded.erase(0, kept.begin);
+  if (!page.empty()) {
+    page.resize(kept.end);
+    page.erase(0, kept.begin);
+  }
+  if (html) {
+    result = HtmlBodyToText(std::move(decoded), std::move(page), html_);
   } else if (NamesApplication(partType)) {
     result.Empty();  // an application part never shows as text
   } else {

@@ -42,12 +42,12 @@ CString HtmlSourcePath(const CString& fileName) {
   return CString::FromUtf8(*folder) + u"/" + name;
 }
 
-CString HtmlBodyToText(std::u16string html, const HtmlArguments& arguments) {
+CString HtmlBodyToText(std::u16string html, std::string page, const HtmlArguments& arguments) {
   if (arguments.save != 0) {
     CString path = HtmlSourcePath(arguments.fileName);
     if (!path.IsEmpty()) SaveSource(html, path);
   }
-  return html::ConvertHtmlToText(std::move(html));
+  return html::ConvertHtmlToText(std::move(html), std::move(page));
 }
 
 }  // namespace mailslice::mime

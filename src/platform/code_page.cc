@@ -321,9 +321,16 @@ std::u16string Utf8ThroughAnsi(std::string_view utf8, bool untilFailure) {
   return shown;
 }
 
-void Utf8ThroughAnsi(std::string_view utf8, bool untilFailure, std::u16string& shown) {
-  size_t taken =
-      FastUtf8ThroughPage(IconvName(kAnsiCodePage), utf8, untilFailure, shown, kExactConversions);
+void Utf8ThroughAnsi(std::string_view utf8, bool untilFailure, std::u16string& shown,
+                     std::string* narrowed) {
+  if (narrowed != nullptr) narrowed->clear();
+  const size_t start = shown.size();
+  size_t taken = FastUtf8ThroughPage(IconvName(kAnsiCodePage), utf8, untilFailure, shown,
+                                     kExactConversions, narrowed);
+  // The fast path's text holds no NUL, and each of its units narrows to one byte.
+  if (narrowed != nullptr && (taken < utf8.size() || narrowed->size() != shown.size() - start)) {
+    narrowed->clear();
+  }
   if (taken == utf8.size()) return;
   std::u16string rest = MultiByteToWide(kUtf8CodePage, utf8.substr(taken));
   shown.append(WideThroughAnsi(std::move(rest), untilFailure));

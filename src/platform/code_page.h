@@ -51,8 +51,11 @@ std::u16string WideThroughAnsi(std::u16string text, bool untilFailure);
 
 // UTF-8 text read as MultiByteToWide reads it, then passed through WideThroughAnsi.
 std::u16string Utf8ThroughAnsi(std::string_view utf8, bool untilFailure);
-// The same, appended to `shown` (whose room is used).
-void Utf8ThroughAnsi(std::string_view utf8, bool untilFailure, std::u16string& shown);
+// The same, appended to `shown` (whose room is used). Given `narrowed`, it receives what the
+// appended text narrows to by WideToMultiByteUntilFailure, when that comes out of the same pass;
+// else it is left empty (and the caller narrows the text itself, if it needs it).
+void Utf8ThroughAnsi(std::string_view utf8, bool untilFailure, std::u16string& shown,
+                     std::string* narrowed = nullptr);
 
 // Shorthands for the device ANSI code page.
 std::u16string AnsiToWide(std::string_view bytes);

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <memory>
 #include <optional>
+#include <type_traits>
 #include <vector>
 
 #include "platform/large_pages.h"
@@ -127,15 +128,21 @@ size_t DecodeMultiByte(const unsigned char* in, size_t left, char16_t* out) {
   return 0;
 }
 
+struct NoNarrowing {};
+
 // Well-formed UTF-8 of the Basic Multilingual Plane, surrogates excepted; anything else
 // (malformed bytes, a character beyond the plane) is left to iconv. Each other unit than ASCII
 // goes through `map` (which may refuse it, ending the decoding before its bytes); with
 // `kStopAtNul` a NUL byte ends it too. The units are gathered in a small buffer handed to
 // `flush`, so a large result is written once, not cleared first. Returns the bytes decoded.
-template <bool kStopAtNul, typename Map, typename Flush>
-size_t DecodeUtf8InBlocks(std::string_view bytes, Map map, Flush flush) {
+// Given a `narrow`, the byte of each unit is gathered too and handed to `flush` beside the
+// units: ASCII stays itself, and each other unit is what `narrow` makes of it.
+template <bool kStopAtNul, typename Map, typename Flush, typename Narrow = NoNarrowing>
+size_t DecodeUtf8InBlocks(std::string_view bytes, Map map, Flush flush, Narrow narrow = {}) {
+  constexpr bool kNarrowing = !std::is_same_v<Narrow, NoNarrowing>;
   constexpr size_t kBufferUnits = 4096;
   char16_t buffer[kBufferUnits];
+  char narrowed[kNarrowing ? kBufferUnits : 1];
   const auto* in = reinterpret_cast<const unsigned char*>(bytes.data());
   size_t size = bytes.size(), at = 0;
   bool stopped = false;
@@ -144,6 +151,7 @@ size_t DecodeUtf8InBlocks(std::string_view bytes, Map map, Flush flush) {
     while (at < size && filled < kBufferUnits) {
       size_t ascii = WidenAscii<kStopAtNul>(in + at, std::min(size - at, kBufferUnits - filled),
                                             buffer + filled);
+      if constexpr (kNarrowing) std::memcpy(narrowed + filled, in + at, ascii);
       at += ascii;
       filled += ascii;
       if (at == size || filled == kBufferUnits) continue;
@@ -154,10 +162,15 @@ size_t DecodeUtf8InBlocks(std::string_view bytes, Map map, Flush flush) {
         stopped = true;
         break;
       }
+      if constexpr (kNarrowing) narrowed[filled] = narrow(*mapped);
       buffer[filled++] = *mapped;
       at += taken;
     }
-    flush(buffer, filled);
+    if constexpr (kNarrowing) {
+      flush(buffer, narrowed, filled);
+    } else {
+      flush(buffer, filled);
+    }
   }
   return at;
 }
@@ -214,15 +227,21 @@ class SingleBytePage {
     for (; at < text.size(); ++at) {
       if (asciiBothWays_) at += NarrowAscii(text.data() + at, text.size() - at, out + at);
       if (at == text.size()) break;
-      char16_t unit = text[at];
-      if (IsSurrogate(unit)) break;
-      uint16_t byte = narrow_[unit];
-      if (byte == kNotAsked) byte = narrow_[unit] = Ask(unit);
-      if (byte == kNotSingleByte || (untilFailure && (byte & kRefused) != 0)) break;
-      out[at] = static_cast<char>(byte & kByteMask);
+      std::optional<char> byte = Narrowed(text[at], untilFailure);
+      if (!byte) break;
+      out[at] = *byte;
     }
     narrow.resize(start + at);
     return at;
+  }
+
+  // The byte `unit` narrows to, as ToNarrow narrows it; nothing where ToNarrow stops.
+  std::optional<char> Narrowed(char16_t unit, bool untilFailure) {
+    if (IsSurrogate(unit)) return std::nullopt;
+    uint16_t byte = narrow_[unit];
+    if (byte == kNotAsked) byte = narrow_[unit] = Ask(unit);
+    if (byte == kNotSingleByte || (untilFailure && (byte & kRefused) != 0)) return std::nullopt;
+    return static_cast<char>(byte & kByteMask);
   }
 
   // Rewrites `units` in place as they read once narrowed and widened back, up to the first
@@ -355,14 +374,35 @@ size_t FastRoundTrip(const std::string& iconvName, std::u16string& text, bool un
 }
 
 size_t FastUtf8ThroughPage(const std::string& iconvName, std::string_view utf8, bool untilFailure,
-                           std::u16string& shown, const ExactConversions& exact) {
+                           std::u16string& shown, const ExactConversions& exact,
+                           std::string* narrowed) {
   if (!IsSingleBytePage(iconvName)) return 0;
   SingleBytePage& page = PageFor(iconvName, exact);
   if (!page.AsciiBothWays()) return 0;
   ReserveLarge(shown, shown.size() + utf8.size());
-  return DecodeUtf8InBlocks<true>(
-      utf8, [&](char16_t unit) { return page.ShownAs(unit, untilFailure); },
-      [&](const char16_t* units, size_t count) { shown.append(units, count); });
+  auto map = [&](char16_t unit) { return page.ShownAs(unit, untilFailure); };
+  if (narrowed == nullptr) {
+    return DecodeUtf8InBlocks<true>(
+        utf8, map, [&](const char16_t* units, size_t count) { shown.append(units, count); });
+  }
+  // The narrowing is WideToMultiByteUntilFailure's, which stops at the first unit it cannot
+  // narrow: the bytes are given up there, while the decoding goes on.
+  const size_t start = narrowed->size();
+  ReserveLarge(*narrowed, start + utf8.size());
+  bool whole = true;
+  size_t taken = DecodeUtf8InBlocks<true>(
+      utf8, map,
+      [&](const char16_t* units, const char* bytes, size_t count) {
+        shown.append(units, count);
+        if (whole) narrowed->append(bytes, count);
+      },
+      [&](char16_t unit) {
+        std::optional<char> byte = page.Narrowed(unit, true);
+        whole = whole && byte.has_value();
+        return byte.value_or('\0');
+      });
+  if (!whole) narrowed->resize(start);
+  return taken;
 }
 
 }  // namespace mailslice::platform

@@ -1,5 +1,7 @@
 #include "platform/spare_buffers.h"
 
+#include <algorithm>
+#include <array>
 #include <utility>
 
 #include "platform/large_pages.h"
@@ -11,28 +13,39 @@ namespace {
 constexpr size_t kMostKeptBytes = size_t{16} << 20;
 constexpr size_t kMostRoomPerSize = 2;
 
+// Two of each kind: a body's decoded bytes and its narrowed page are in use at the same time.
+constexpr size_t kKeptOfEachKind = 2;
+
 template <typename String>
-String& Kept() {
-  thread_local String kept;
+std::array<String, kKeptOfEachKind>& Kept() {
+  thread_local std::array<String, kKeptOfEachKind> kept;
   return kept;
 }
 
 template <typename String>
 String Take(size_t size) {
-  String& kept = Kept<String>();
   String taken;
-  if (kept.capacity() >= size && kept.capacity() / kMostRoomPerSize <= size) taken.swap(kept);
+  for (String& kept : Kept<String>()) {
+    if (kept.capacity() >= size && kept.capacity() / kMostRoomPerSize <= size) {
+      taken.swap(kept);
+      break;
+    }
+  }
   taken.clear();
   ReserveLarge(taken, size);
   return taken;
 }
 
+// Replaces the kept buffer with the least room, when `buffer` has more.
 template <typename String>
 void Keep(String buffer) {
-  String& kept = Kept<String>();
+  auto& kept = Kept<String>();
   size_t bytes = buffer.capacity() * sizeof(typename String::value_type);
-  if (bytes > kMostKeptBytes || buffer.capacity() <= kept.capacity()) return;
-  kept = std::move(buffer);
+  String& least = *std::min_element(kept.begin(), kept.end(), [](const String& a, const String& b) {
+    return a.capacity() < b.capacity();
+  });
+  if (bytes > kMostKeptBytes || buffer.capacity() <= least.capacity()) return;
+  least = std::move(buffer);
 }
 
 }  // namespace

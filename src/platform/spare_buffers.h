@@ -10,13 +10,14 @@
 
 namespace mailslice::platform {
 
-// An empty string: the one kept when it has room for `size` characters and no more than twice
-// that (so a short text never holds on to a large buffer), else a new one with room for `size`.
+// An empty string: a kept one that has room for `size` characters and no more than twice that
+// (so a short text never holds on to a large buffer), else a new one with room for `size`.
 std::string TakeSpareBytes(size_t size);
 std::u16string TakeSpareWide(size_t size);
 
-// Keeps `buffer` for a later Take when it has more room than the one kept, up to a limit: the
-// buffers of a rare body of many megabytes go back to the host.
+// Keeps `buffer` for a later Take, in place of the kept one of its kind with the least room,
+// when it has more room than that one, up to a limit: the buffers of a rare body of many
+// megabytes go back to the host. Two of each kind are kept.
 void KeepSpare(std::string buffer);
 void KeepSpare(std::u16string buffer);
 

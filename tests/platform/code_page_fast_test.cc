@@ -163,5 +163,38 @@ TEST(CodePageFastTest, Utf8ThroughTheDevicePageMatchesTheStepsOneByOne) {
   }
 }
 
+// The narrowed page that comes out of the same pass is the shown text narrowed as the HTML
+// reader narrows it, whenever the pass gives one.
+TEST(CodePageFastTest, Utf8ThroughTheDevicePageNarrowsAsTheNarrowingAfterIt) {
+  std::mt19937 random(1999);
+  const std::string pieces[] = {
+      std::string(100, 'x'), "caf\xC3\xA9 ", "\xC5\x9A", "\xE2\x82\xAC",
+      "\xE6\x97\xA5",        "\xC3",         "\r\n",     std::string(1, '\0')};
+  for (const char* page : {"CP1250", "CP1251", "CP1252", "CP932"}) {
+    ScopedEnv codePage("MAILSLICE_CODEPAGE", page);
+    int narrowedInPass = 0;
+    for (int round = 0; round < 200; ++round) {
+      std::string text;
+      size_t length = random() % 9000;
+      while (text.size() < length) {
+        text += pieces[random() % 64 == 0 ? random() % std::size(pieces) : random() % 3];
+      }
+      for (bool untilFailure : {false, true}) {
+        std::u16string shown = u"stale";
+        shown.clear();
+        std::string narrowed = "stale";
+        Utf8ThroughAnsi(text, untilFailure, shown, &narrowed);
+        ASSERT_EQ(shown, Utf8ThroughAnsi(text, untilFailure)) << page << " " << round;
+        if (narrowed.empty()) continue;
+        ++narrowedInPass;
+        ASSERT_EQ(narrowed, WideToMultiByteUntilFailureThroughIconv(shown)) << page << " " << round;
+      }
+    }
+    if (std::string_view(page) != "CP932") {
+      EXPECT_GT(narrowedInPass, 50) << page;
+    }
+  }
+}
+
 }  // namespace
 }  // namespace mailslice::platform

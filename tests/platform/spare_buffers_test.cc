@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
 #include <string>
 #include <thread>
 
@@ -31,17 +32,21 @@ TEST(SpareBuffersTest, HandsTheKeptBufferOnlyToTextsItSuits) {
   });
 }
 
-TEST(SpareBuffersTest, KeepsTheLargerBufferUpToTheLimit) {
+// Two buffers of each kind are kept (a body's decoded bytes and its page are in use together):
+// the two with the most room, none over the limit.
+TEST(SpareBuffersTest, KeepsTheTwoLargestBuffersUpToTheLimit) {
   OnFreshThread([] {
-    std::string large, larger, huge;
-    large.reserve(1 << 20);
-    larger.reserve(2 << 20);
-    huge.reserve(64 << 20);
-    const char* kept = larger.data();
-    KeepSpare(std::move(larger));
-    KeepSpare(std::move(large));  // smaller than the one kept
-    KeepSpare(std::move(huge));   // over the limit
-    EXPECT_EQ(TakeSpareBytes(1 << 20).data(), kept);
+    std::string sizes[4];
+    const size_t rooms[4] = {1 << 20, 2 << 20, 512 << 10, 64 << 20};
+    const char* data[4];
+    for (int k = 0; k < 4; ++k) {
+      sizes[k].reserve(rooms[k]);
+      data[k] = sizes[k].data();
+    }
+    for (std::string& buffer : sizes) KeepSpare(std::move(buffer));
+    std::set<const char*> taken = {TakeSpareBytes(1 << 20).data(), TakeSpareBytes(1 << 20).data()};
+    EXPECT_EQ(taken, (std::set<const char*>{data[0], data[1]}));
+    EXPECT_LT(TakeSpareBytes(300 << 10).capacity(), 512u << 10);  // nothing kept now
   });
 }
 
