@@ -50,15 +50,36 @@ std::u16string ThroughTable(std::string_view text, char16_t (*table)(unsigned)) 
 
 // What the converter's Utf8ToDevice hands over, read back through the device code page; done
 // here on the strings themselves, without its NUL-terminated copies.
-std::u16string FromUtf8ThroughDevice(std::string_view text, std::string* page) {
+// Where the page of an HTML body goes (see DecodeBodyWide): `page`, and `textBuffer`, the
+// decoder's own buffer holding the text, over which the page is then written.
+struct PageRequest {
+  std::string* page = nullptr;
+  std::string* textBuffer = nullptr;
+};
+
+std::u16string FromUtf8ThroughDevice(std::string_view text, PageRequest request = {}) {
   text = text.substr(0, text.find('\0'));
   // Text saved by Windows editors starts with a byte order mark; it is left out.
   if (text.starts_with(kUtf8ByteOrderMark)) text.remove_prefix(kUtf8ByteOrderMark.size());
   // There the narrowing stops at the first character that the code page cannot hold.
   bool untilFailure = platform::LanguageCode() == codec::kWcstombsLanguage;
   std::u16string wide = platform::TakeSpareWide(text.size());
-  if (page != nullptr) *page = platform::TakeSpareBytes(text.size() + 1);
-  platform::Utf8ThroughAnsi(text, untilFailure, wide, page);
+  if (request.page == nullptr) {
+    platform::Utf8ThroughAnsi(text, untilFailure, wide);
+    return wide;
+  }
+  std::string room;
+  if (request.textBuffer == nullptr) {
+    room = platform::TakeSpareBytes(text.size() + 1);
+    room.resize(text.size());
+  }
+  std::string& target = request.textBuffer != nullptr ? *request.textBuffer : room;
+  size_t narrowed = platform::Utf8ThroughAnsi(text, untilFailure, wide, target.data());
+  if (narrowed != std::string::npos) {
+    target.resize(narrowed);
+    *request.page = std::move(target);
+  }
+  platform::KeepSpare(std::move(room));
   return wide;
 }
 
@@ -75,7 +96,7 @@ std::u16string ForJapaneseDevice(std::string_view text, const CString& charset) 
     converter.JisToShiftJis(shiftJis.data(), source.c_str());
     return Widened(shiftJis);
   }
-  if (charset == u"utf-8") return FromUtf8ThroughDevice(text, nullptr);
+  if (charset == u"utf-8") return FromUtf8ThroughDevice(text);
   // The UTF-7 conversion hands nothing back: the text is shown as it came.
   if (charset == u"koi8-r") return ThroughTable(text, codec::Koi8rToUtf16);
   if (charset == u"windows-1251") return ThroughTable(text, codec::Windows1251ToUtf16);
@@ -96,7 +117,7 @@ std::u16string ReadAs(std::string_view text, std::string_view charset) {
 }
 
 std::u16string ConvertCharset(std::string_view text, const CString& charset,
-                              std::string* page = nullptr) {
+                              PageRequest page = {}) {
   int language = CVelEdit().GetCurrentLanguageCode();
   if (language == kJapaneseLanguage) return ForJapaneseDevice(text, charset);
   if (charset == u"iso-8859-2") {
@@ -131,7 +152,8 @@ std::u16string DecodeBodyWide(const char* body, CString charset, CString transfe
     size_t size = std::strlen(body);
     std::string decoded = platform::TakeSpareBytes(size + 1);
     codec::DecodeQuotedPrintableBody(body, size, decoded);
-    std::u16string wide = ConvertCharset(decoded.c_str(), charset, page);
+    // The page, when asked for, is written over the decoded bytes as they are read.
+    std::u16string wide = ConvertCharset(decoded.c_str(), charset, {page, &decoded});
     platform::KeepSpare(std::move(decoded));
     return wide;
   }
@@ -141,10 +163,10 @@ std::u16string DecodeBodyWide(const char* body, CString charset, CString transfe
     if (!decoded) return std::u16string();
     // Only the bytes the decoder counts: a spoiled last group leaves uncounted bytes behind.
     return ConvertCharset(std::string_view(decoded.get(), static_cast<size_t>(length)), charset,
-                          page);
+                          {page, nullptr});
   }
   if (transferEncoding == u"8bit" || transferEncoding == u"7bit") {
-    return ConvertCharset(body, charset, page);
+    return ConvertCharset(body, charset, {page, nullptr});
   }
   return Widened(body);
 }

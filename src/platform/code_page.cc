@@ -321,19 +321,24 @@ std::u16string Utf8ThroughAnsi(std::string_view utf8, bool untilFailure) {
   return shown;
 }
 
-void Utf8ThroughAnsi(std::string_view utf8, bool untilFailure, std::u16string& shown,
-                     std::string* narrowed) {
-  if (narrowed != nullptr) narrowed->clear();
-  const size_t start = shown.size();
-  size_t taken = FastUtf8ThroughPage(IconvName(kAnsiCodePage), utf8, untilFailure, shown,
-                                     kExactConversions, narrowed);
-  // The fast path's text holds no NUL, and each of its units narrows to one byte.
-  if (narrowed != nullptr && (taken < utf8.size() || narrowed->size() != shown.size() - start)) {
-    narrowed->clear();
-  }
+void Utf8ThroughAnsi(std::string_view utf8, bool untilFailure, std::u16string& shown) {
+  size_t taken =
+      FastUtf8ThroughPage(IconvName(kAnsiCodePage), utf8, untilFailure, shown, kExactConversions);
   if (taken == utf8.size()) return;
   std::u16string rest = MultiByteToWide(kUtf8CodePage, utf8.substr(taken));
   shown.append(WideThroughAnsi(std::move(rest), untilFailure));
+}
+
+size_t Utf8ThroughAnsi(std::string_view utf8, bool untilFailure, std::u16string& shown,
+                       char* narrowed) {
+  size_t narrowedCount = std::string::npos;
+  size_t taken = FastUtf8ThroughPage(IconvName(kAnsiCodePage), utf8, untilFailure, shown,
+                                     kExactConversions, narrowed, &narrowedCount);
+  if (taken == utf8.size()) return narrowedCount;
+  // The bytes written lie behind those taken: the rest is read as it came.
+  std::u16string rest = MultiByteToWide(kUtf8CodePage, utf8.substr(taken));
+  shown.append(WideThroughAnsi(std::move(rest), untilFailure));
+  return std::string::npos;
 }
 
 std::u16string AnsiToWide(std::string_view bytes) { return MultiByteToWide(kAnsiCodePage, bytes); }

@@ -51,11 +51,15 @@ std::u16string WideThroughAnsi(std::u16string text, bool untilFailure);
 
 // UTF-8 text read as MultiByteToWide reads it, then passed through WideThroughAnsi.
 std::u16string Utf8ThroughAnsi(std::string_view utf8, bool untilFailure);
-// The same, appended to `shown` (whose room is used). Given `narrowed`, it receives what the
-// appended text narrows to by WideToMultiByteUntilFailure, when that comes out of the same pass;
-// else it is left empty (and the caller narrows the text itself, if it needs it).
-void Utf8ThroughAnsi(std::string_view utf8, bool untilFailure, std::u16string& shown,
-                     std::string* narrowed = nullptr);
+// The same, appended to `shown` (whose room is used).
+void Utf8ThroughAnsi(std::string_view utf8, bool untilFailure, std::u16string& shown);
+// The same, also writing at `narrowed` what the appended text narrows to by
+// WideToMultiByteUntilFailure, when that comes out of the same pass, and returning the bytes
+// written; else npos (and the caller narrows the text itself, if it needs it). `narrowed` has
+// room for utf8.size() bytes; it may be utf8's own bytes or lie before them in the same buffer,
+// as each byte is written behind the bytes it came from.
+size_t Utf8ThroughAnsi(std::string_view utf8, bool untilFailure, std::u16string& shown,
+                       char* narrowed);
 
 // Shorthands for the device ANSI code page.
 std::u16string AnsiToWide(std::string_view bytes);

@@ -374,8 +374,9 @@ size_t FastRoundTrip(const std::string& iconvName, std::u16string& text, bool un
 }
 
 size_t FastUtf8ThroughPage(const std::string& iconvName, std::string_view utf8, bool untilFailure,
-                           std::u16string& shown, const ExactConversions& exact,
-                           std::string* narrowed) {
+                           std::u16string& shown, const ExactConversions& exact, char* narrowed,
+                           size_t* narrowedCount) {
+  if (narrowedCount != nullptr) *narrowedCount = std::string::npos;
   if (!IsSingleBytePage(iconvName)) return 0;
   SingleBytePage& page = PageFor(iconvName, exact);
   if (!page.AsciiBothWays()) return 0;
@@ -386,22 +387,23 @@ size_t FastUtf8ThroughPage(const std::string& iconvName, std::string_view utf8, 
         utf8, map, [&](const char16_t* units, size_t count) { shown.append(units, count); });
   }
   // The narrowing is WideToMultiByteUntilFailure's, which stops at the first unit it cannot
-  // narrow: the bytes are given up there, while the decoding goes on.
-  const size_t start = narrowed->size();
-  ReserveLarge(*narrowed, start + utf8.size());
+  // narrow: the bytes are given up there, while the decoding goes on. Each block of bytes is
+  // written once its units are read, behind them.
+  size_t written = 0;
   bool whole = true;
   size_t taken = DecodeUtf8InBlocks<true>(
       utf8, map,
       [&](const char16_t* units, const char* bytes, size_t count) {
         shown.append(units, count);
-        if (whole) narrowed->append(bytes, count);
+        if (whole) std::memcpy(narrowed + written, bytes, count);
+        written += count;
       },
       [&](char16_t unit) {
         std::optional<char> byte = page.Narrowed(unit, true);
         whole = whole && byte.has_value();
         return byte.value_or('\0');
       });
-  if (!whole) narrowed->resize(start);
+  *narrowedCount = whole ? written : std::string::npos;
   return taken;
 }
 

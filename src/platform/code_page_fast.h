@@ -55,12 +55,14 @@ size_t FastRoundTrip(const std::string& iconvName, std::u16string& text, bool un
 
 // UTF-8 decoded as FastPrefixToWide decodes it and passed through FastRoundTrip in one pass.
 // Appends the result of the longest start it converts exactly (one without NUL) to `shown`
-// and returns the bytes taken. Given `narrowed`, appends to it what that result narrows to, as
-// FastPrefixToNarrow narrows it stopping at the first unit the page cannot hold, when the whole
-// result narrows so; else it appends nothing there.
+// and returns the bytes taken. Given `narrowed` (room for utf8.size() bytes, which may be
+// utf8's own or lie before them in the same buffer: each byte is written behind the bytes it
+// came from), writes there what that result narrows to, as FastPrefixToNarrow narrows it
+// stopping at the first unit the page cannot hold, and sets *narrowedCount to the bytes
+// written, or to npos when the whole result does not narrow so.
 size_t FastUtf8ThroughPage(const std::string& iconvName, std::string_view utf8, bool untilFailure,
                            std::u16string& shown, const ExactConversions& exact,
-                           std::string* narrowed = nullptr);
+                           char* narrowed = nullptr, size_t* narrowedCount = nullptr);
 
 }  // namespace mailslice::platform
 

@@ -180,14 +180,19 @@ TEST(CodePageFastTest, Utf8ThroughTheDevicePageNarrowsAsTheNarrowingAfterIt) {
         text += pieces[random() % 64 == 0 ? random() % std::size(pieces) : random() % 3];
       }
       for (bool untilFailure : {false, true}) {
-        std::u16string shown = u"stale";
-        shown.clear();
-        std::string narrowed = "stale";
-        Utf8ThroughAnsi(text, untilFailure, shown, &narrowed);
+        // Written into a buffer of its own, and over the UTF-8 text itself.
+        std::string room(text.size(), 'z'), over = text;
+        std::u16string shown, shownOver;
+        size_t count = Utf8ThroughAnsi(text, untilFailure, shown, room.data());
+        size_t countOver = Utf8ThroughAnsi(over, untilFailure, shownOver, over.data());
         ASSERT_EQ(shown, Utf8ThroughAnsi(text, untilFailure)) << page << " " << round;
-        if (narrowed.empty()) continue;
+        ASSERT_EQ(shownOver, shown);
+        ASSERT_EQ(countOver, count);
+        if (count == std::string::npos) continue;
         ++narrowedInPass;
-        ASSERT_EQ(narrowed, WideToMultiByteUntilFailureThroughIconv(shown)) << page << " " << round;
+        std::string narrowed = WideToMultiByteUntilFailureThroughIconv(shown);
+        ASSERT_EQ(room.substr(0, count), narrowed) << page << " " << round;
+        ASSERT_EQ(over.substr(0, count), narrowed);
       }
     }
     if (std::string_view(page) != "CP932") {
