@@ -11,6 +11,8 @@
 #include "html/entity_decoder.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,11 +34,13 @@ constexpr char16_t kTagClose = u'>';
 // The units where plain copying stops: a reference, a break or the ends of a tag span.
 constexpr std::u16string_view kMarkedUnits = u"&<>";
 
-// Every row of the tables, with its place in the order of application, found by its text.
+// Every row of the tables, with its place in the order of application, found by its text. The
+// texts are short ASCII words, each packed into one number (seven bits a character, after its
+// length), so a look-up compares numbers.
 class ReferenceIndex {
  public:
   struct Row {
-    std::u16string_view entity;
+    uint64_t key;
     std::u16string_view replacement;
     size_t order;
   };
@@ -47,15 +51,16 @@ class ReferenceIndex {
     }
     for (const EntityRow& row : kNamedEntities) Add(row);
     std::stable_sort(rows_.begin(), rows_.end(),
-                     [](const Row& a, const Row& b) { return a.entity < b.entity; });
+                     [](const Row& a, const Row& b) { return a.key < b.key; });
   }
 
   // The first row at or after `fromOrder` that is written `entity`, or null.
   const Row* Find(std::u16string_view entity, size_t fromOrder) const {
-    auto it =
-        std::lower_bound(rows_.begin(), rows_.end(), entity,
-                         [](const Row& row, std::u16string_view e) { return row.entity < e; });
-    for (; it != rows_.end() && it->entity == entity; ++it) {
+    std::optional<uint64_t> key = Key(entity);
+    if (!key) return nullptr;
+    auto it = std::lower_bound(rows_.begin(), rows_.end(), *key,
+                               [](const Row& row, uint64_t k) { return row.key < k; });
+    for (; it != rows_.end() && it->key == *key; ++it) {
       if (it->order >= fromOrder) return &*it;
     }
     return nullptr;
@@ -64,8 +69,24 @@ class ReferenceIndex {
   size_t longest() const { return longest_; }
 
  private:
+  static constexpr size_t kMostCharacters = 8;
+  static constexpr unsigned kBitsPerCharacter = 7;
+  static constexpr char16_t kFirstOutsideAscii = 0x80;
+
+  // Nothing for a text no row can have: longer than any packs, or not ASCII.
+  static std::optional<uint64_t> Key(std::u16string_view entity) {
+    if (entity.size() > kMostCharacters) return std::nullopt;
+    uint64_t key = entity.size();
+    for (char16_t unit : entity) {
+      if (unit >= kFirstOutsideAscii) return std::nullopt;
+      key = key << kBitsPerCharacter | unit;
+    }
+    return key;
+  }
+
   void Add(const EntityRow& row) {
-    rows_.push_back({row.entity, row.replacement, rows_.size()});
+    // Every row is a short ASCII word, which the keys hold whole.
+    rows_.push_back({*Key(row.entity), row.replacement, rows_.size()});
     longest_ = std::max(longest_, row.entity.size());
   }
 

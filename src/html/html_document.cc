@@ -66,10 +66,14 @@ void BodyTextCollector::Element(std::string_view name) {
   }
 }
 
+// Any attribute named TEXT... counts, so comments and a body tag's own TEXT colour are read as
+// text too, as the device always did.
+bool BodyTextCollector::Reads(std::string_view name) const {
+  return inBody_ && name.starts_with(kContentAttributeName);
+}
+
 void BodyTextCollector::Attribute(std::string_view name, std::optional<std::string_view> value) {
-  // Any attribute named TEXT... counts, so comments and a body tag's own TEXT colour are read
-  // as text too, as the device always did.
-  if (!inBody_ || !name.starts_with(kContentAttributeName)) return;
+  if (!Reads(name)) return;
   // An attribute written without a value reads as empty text. The line is widened onto the end
   // of the text and trimmed there.
   const size_t start = text_.size();

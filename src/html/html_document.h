@@ -86,6 +86,8 @@ class BodyTextCollector {
   void Element(std::string_view name);
   // An attribute of the last element; nothing for one written without a value.
   void Attribute(std::string_view name, std::optional<std::string_view> value);
+  // Whether an attribute of that name of the last element adds to the text.
+  bool Reads(std::string_view name) const;
   CString Take() { return CString(std::move(text_)); }
   std::u16string TakeText() { return std::move(text_); }
 

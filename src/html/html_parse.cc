@@ -79,16 +79,19 @@ class TextBuilder {
 
   explicit TextBuilder(BodyTextCollector& collector) : collector_(collector) {}
 
+  // Every element made is appended before the next is made, so the collector learns of it at
+  // once: it then tells which of its attributes it will read, and only those are kept.
   Element MakeElement(std::string_view name) {
     // A name the element list would refuse leaves the element without one.
     bool fits = !name.empty() && name.size() <= HtmlElement::kMaxNameLength;
     pending_.name = fits ? name : std::string_view();
     pending_.attributes.clear();
+    collector_.Element(pending_.name);
     return &pending_;
   }
 
-  static Attribute AddAttribute(Element& element, std::string_view name) {
-    if (element == nullptr) return 0;
+  Attribute AddAttribute(Element& element, std::string_view name) {
+    if (element == nullptr || !collector_.Reads(name)) return 0;
     element->attributes.emplace_back(name, std::nullopt);
     return element->attributes.size();
   }
@@ -99,7 +102,6 @@ class TextBuilder {
 
   void Append(Element element) {
     if (element == nullptr) return;
-    collector_.Element(element->name);
     for (const auto& [name, value] : element->attributes) collector_.Attribute(name, value);
   }
 

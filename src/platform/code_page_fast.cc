@@ -135,14 +135,13 @@ struct NoNarrowing {};
 // goes through `map` (which may refuse it, ending the decoding before its bytes); with
 // `kStopAtNul` a NUL byte ends it too. The units are gathered in a small buffer handed to
 // `flush`, so a large result is written once, not cleared first. Returns the bytes decoded.
-// Given a `narrow`, the byte of each unit is gathered too and handed to `flush` beside the
-// units: ASCII stays itself, and each other unit is what `narrow` makes of it.
+// Given a `narrow`, it is told of each run of ASCII (Run) and each other unit as mapped (Unit)
+// as they are decoded.
 template <bool kStopAtNul, typename Map, typename Flush, typename Narrow = NoNarrowing>
-size_t DecodeUtf8InBlocks(std::string_view bytes, Map map, Flush flush, Narrow narrow = {}) {
+size_t DecodeUtf8InBlocks(std::string_view bytes, Map map, Flush flush, Narrow* narrow = nullptr) {
   constexpr bool kNarrowing = !std::is_same_v<Narrow, NoNarrowing>;
   constexpr size_t kBufferUnits = 4096;
   char16_t buffer[kBufferUnits];
-  char narrowed[kNarrowing ? kBufferUnits : 1];
   const auto* in = reinterpret_cast<const unsigned char*>(bytes.data());
   size_t size = bytes.size(), at = 0;
   bool stopped = false;
@@ -151,7 +150,7 @@ size_t DecodeUtf8InBlocks(std::string_view bytes, Map map, Flush flush, Narrow n
     while (at < size && filled < kBufferUnits) {
       size_t ascii = WidenAscii<kStopAtNul>(in + at, std::min(size - at, kBufferUnits - filled),
                                             buffer + filled);
-      if constexpr (kNarrowing) std::memcpy(narrowed + filled, in + at, ascii);
+      if constexpr (kNarrowing) narrow->Run(in + at, ascii);
       at += ascii;
       filled += ascii;
       if (at == size || filled == kBufferUnits) continue;
@@ -162,15 +161,11 @@ size_t DecodeUtf8InBlocks(std::string_view bytes, Map map, Flush flush, Narrow n
         stopped = true;
         break;
       }
-      if constexpr (kNarrowing) narrowed[filled] = narrow(*mapped);
+      if constexpr (kNarrowing) narrow->Unit(*mapped);
       buffer[filled++] = *mapped;
       at += taken;
     }
-    if constexpr (kNarrowing) {
-      flush(buffer, narrowed, filled);
-    } else {
-      flush(buffer, filled);
-    }
+    flush(buffer, filled);
   }
   return at;
 }
@@ -325,6 +320,29 @@ class SingleBytePage {
 
 namespace {
 
+// Writes what the units of a UTF-8 text narrow to, as WideToMultiByteUntilFailure narrows them,
+// while the text is decoded: ASCII stays itself. The narrowing stops at the first unit it
+// cannot narrow (the bytes are given up there, while the decoding goes on). Each byte is
+// written once its unit is read, and no further on than that unit's bytes.
+struct PageWriter {
+  SingleBytePage& page;
+  char* out;
+  size_t written = 0;
+  bool whole = true;
+
+  void Run(const unsigned char* ascii, size_t count) {
+    if (whole) std::memmove(out + written, ascii, count);
+    written += count;
+  }
+
+  void Unit(char16_t unit) {
+    std::optional<char> byte = page.Narrowed(unit, true);
+    whole = whole && byte.has_value();
+    if (whole) out[written] = *byte;
+    ++written;
+  }
+};
+
 bool IsSingleBytePage(const std::string& name) {
   return std::find(std::begin(kSingleBytePages), std::end(kSingleBytePages), name) !=
          std::end(kSingleBytePages);
@@ -386,24 +404,10 @@ size_t FastUtf8ThroughPage(const std::string& iconvName, std::string_view utf8, 
     return DecodeUtf8InBlocks<true>(
         utf8, map, [&](const char16_t* units, size_t count) { shown.append(units, count); });
   }
-  // The narrowing is WideToMultiByteUntilFailure's, which stops at the first unit it cannot
-  // narrow: the bytes are given up there, while the decoding goes on. Each block of bytes is
-  // written once its units are read, behind them.
-  size_t written = 0;
-  bool whole = true;
+  PageWriter writer{page, narrowed};
   size_t taken = DecodeUtf8InBlocks<true>(
-      utf8, map,
-      [&](const char16_t* units, const char* bytes, size_t count) {
-        shown.append(units, count);
-        if (whole) std::memcpy(narrowed + written, bytes, count);
-        written += count;
-      },
-      [&](char16_t unit) {
-        std::optional<char> byte = page.Narrowed(unit, true);
-        whole = whole && byte.has_value();
-        return byte.value_or('\0');
-      });
-  *narrowedCount = whole ? written : std::string::npos;
+      utf8, map, [&](const char16_t* units, size_t count) { shown.append(units, count); }, &writer);
+  *narrowedCount = writer.whole ? writer.written : std::string::npos;
   return taken;
 }
 
