@@ -75,20 +75,19 @@ bool BodyTextCollector::Reads(std::string_view name) const {
 void BodyTextCollector::Attribute(std::string_view name, std::optional<std::string_view> value) {
   if (!Reads(name)) return;
   // An attribute written without a value reads as empty text. The line is widened onto the end
-  // of the text and trimmed there.
+  // of the text, trimmed there and moved down over what was trimmed off its start.
   const size_t start = text_.size();
   reader_.AppendWidened(value.value_or(std::string_view()), text_);
-  auto first = std::find_if_not(text_.begin() + start, text_.end(), platform::IsTrimmedSpace);
-  auto end =
-      std::find_if_not(text_.rbegin(), std::make_reverse_iterator(first), platform::IsTrimmedSpace)
-          .base();
-  if (first == end || std::u16string_view(&*first, end - first).starts_with(kScriptCommentPrefix)) {
+  platform::TrimmedRange kept = platform::Untrimmed(std::u16string_view(text_).substr(start));
+  std::u16string_view line = std::u16string_view(text_).substr(start + kept.begin,
+                                                                kept.end - kept.begin);
+  if (line.empty() || line.starts_with(kScriptCommentPrefix)) {
     text_.resize(start);
     return;
   }
-  text_.erase(end, text_.end());
-  text_.erase(text_.begin() + start, first);
-  text_.append(kLineBreak);
+  std::char_traits<char16_t>::move(text_.data() + start, line.data(), line.size());
+  text_.resize(start + line.size() + kLineBreak.size());
+  kLineBreak.copy(text_.data() + start + line.size(), kLineBreak.size());
 }
 
 CString HtmlDocument::CollectBodyText() const {
