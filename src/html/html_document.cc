@@ -79,8 +79,8 @@ void BodyTextCollector::Attribute(std::string_view name, std::optional<std::stri
   const size_t start = text_.size();
   reader_.AppendWidened(value.value_or(std::string_view()), text_);
   platform::TrimmedRange kept = platform::Untrimmed(std::u16string_view(text_).substr(start));
-  std::u16string_view line = std::u16string_view(text_).substr(start + kept.begin,
-                                                                kept.end - kept.begin);
+  std::u16string_view line =
+      std::u16string_view(text_).substr(start + kept.begin, kept.end - kept.begin);
   if (line.empty() || line.starts_with(kScriptCommentPrefix)) {
     text_.resize(start);
     return;

@@ -47,6 +47,8 @@ CString TextFromOwnReader(std::u16string&& html, std::string&& narrow) {
   if (narrow.empty()) {
     narrow = platform::TakeSpareBytes(html.size() + 1);
     NarrowForReading(html, narrow);
+  } else if (html.capacity() < narrow.size()) {
+    html = platform::TakeSpareWide(narrow.size());  // a body given as its page alone
   }
   HtmlDocument::ReadBodyTextInto(narrow.c_str(), html);
   HtmlEntityDecoder().DecodeInPlace(html);
@@ -71,6 +73,8 @@ CString ConvertHtmlToText(const CString& html) {
 CString ConvertHtmlToText(const CString& html, platform::HtmlEngine& engine) {
   return ConvertHtmlToText(SpareCopy(html.Str()), std::string(), engine);
 }
+
+bool ReadsWideText() { return platform::HostHtmlEngine().MakesDocuments(); }
 
 CString ConvertHtmlToText(std::u16string&& html, std::string&& page) {
   return ConvertHtmlToText(std::move(html), std::move(page), platform::HostHtmlEngine());

@@ -21,6 +21,9 @@ CString ConvertHtmlToText(const CString& html, platform::HtmlEngine& engine);
 // the device code page as the reader narrows it (see NarrowForReading), which is then not done
 // again.
 CString ConvertHtmlToText(std::u16string&& html, std::string&& page = std::string());
+// Whether ConvertHtmlToText reads the body's wide text (for the host's engine) even when given
+// its page; when not, a body given with its page may come without its wide text.
+bool ReadsWideText();
 CString ConvertHtmlToText(std::u16string&& html, std::string&& page, platform::HtmlEngine& engine);
 
 }  // namespace mailslice::html

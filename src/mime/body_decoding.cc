@@ -55,7 +55,25 @@ std::u16string ThroughTable(std::string_view text, char16_t (*table)(unsigned)) 
 struct PageRequest {
   std::string* page = nullptr;
   std::string* textBuffer = nullptr;
+  bool pageOnly = false;  // the wide text is left out when the page comes out whole
 };
+
+// The page of a UTF-8 text alone, written at `target`; when it does not come out whole, the
+// wide text after all: that of the page so far, and the rest read on from there.
+std::u16string PageOnly(std::string_view text, bool untilFailure, std::string& target,
+                        std::string& page) {
+  size_t written = 0;
+  size_t taken = platform::Utf8ThroughAnsiPage(text, untilFailure, target.data(), &written);
+  if (taken == text.size()) {
+    target.resize(written);
+    page = std::move(target);
+    return std::u16string();
+  }
+  std::u16string wide = platform::TakeSpareWide(text.size());
+  platform::AnsiReader().AppendWidened(std::string_view(target.data(), written), wide);
+  platform::Utf8ThroughAnsi(text.substr(taken), untilFailure, wide);
+  return wide;
+}
 
 std::u16string FromUtf8ThroughDevice(std::string_view text, PageRequest request = {}) {
   text = text.substr(0, text.find('\0'));
@@ -63,8 +81,8 @@ std::u16string FromUtf8ThroughDevice(std::string_view text, PageRequest request 
   if (text.starts_with(kUtf8ByteOrderMark)) text.remove_prefix(kUtf8ByteOrderMark.size());
   // There the narrowing stops at the first character that the code page cannot hold.
   bool untilFailure = platform::LanguageCode() == codec::kWcstombsLanguage;
-  std::u16string wide = platform::TakeSpareWide(text.size());
   if (request.page == nullptr) {
+    std::u16string wide = platform::TakeSpareWide(text.size());
     platform::Utf8ThroughAnsi(text, untilFailure, wide);
     return wide;
   }
@@ -74,6 +92,12 @@ std::u16string FromUtf8ThroughDevice(std::string_view text, PageRequest request 
     room.resize(text.size());
   }
   std::string& target = request.textBuffer != nullptr ? *request.textBuffer : room;
+  if (request.pageOnly) {
+    std::u16string wide = PageOnly(text, untilFailure, target, *request.page);
+    platform::KeepSpare(std::move(room));
+    return wide;
+  }
+  std::u16string wide = platform::TakeSpareWide(text.size());
   size_t narrowed = platform::Utf8ThroughAnsi(text, untilFailure, wide, target.data());
   if (narrowed != std::string::npos) {
     target.resize(narrowed);
@@ -141,7 +165,7 @@ CString ConvertBodyCharset(std::string_view text, const CString& charset) {
 }
 
 std::u16string DecodeBodyWide(const char* body, CString charset, CString transferEncoding,
-                              std::string* page) {
+                              std::string* page, bool pageOnly) {
   if (page != nullptr) page->clear();
   if (body == nullptr) return std::u16string();
   charset.MakeLower();
@@ -153,7 +177,7 @@ std::u16string DecodeBodyWide(const char* body, CString charset, CString transfe
     std::string decoded = platform::TakeSpareBytes(size + 1);
     codec::DecodeQuotedPrintableBody(body, size, decoded);
     // The page, when asked for, is written over the decoded bytes as they are read.
-    std::u16string wide = ConvertCharset(decoded.c_str(), charset, {page, &decoded});
+    std::u16string wide = ConvertCharset(decoded.c_str(), charset, {page, &decoded, pageOnly});
     platform::KeepSpare(std::move(decoded));
     return wide;
   }
@@ -163,10 +187,10 @@ std::u16string DecodeBodyWide(const char* body, CString charset, CString transfe
     if (!decoded) return std::u16string();
     // Only the bytes the decoder counts: a spoiled last group leaves uncounted bytes behind.
     return ConvertCharset(std::string_view(decoded.get(), static_cast<size_t>(length)), charset,
-                          {page, nullptr});
+                          {page, nullptr, pageOnly});
   }
   if (transferEncoding == u"8bit" || transferEncoding == u"7bit") {
-    return ConvertCharset(body, charset, {page, nullptr});
+    return ConvertCharset(body, charset, {page, nullptr, pageOnly});
   }
   return Widened(body);
 }

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "html/html_to_text.h"
 #include "mime/attachment_markers.h"
 #include "mime/body_decoding.h"
 #include "mime/header_parameters.h"
@@ -101,8 +102,11 @@ CString BodyWalk::FromSinglePart(const char* text) const {
   // A page sent without any Content-Type still opens with its doctype.
   bool html = contentType.CompareNoCase(u"text/html") == 0;
   std::string page;
-  std::u16string decoded = DecodeBodyWide(start, GetCharSet(text), GetTransEncode(text),
-                                          html || contentType.IsEmpty() ? &page : nullptr);
+  // The HTML reader may need the page alone: the wide text is then not made.
+  bool pageOnly = html && html_.save == 0 && !html::ReadsWideText();
+  std::u16string decoded =
+      DecodeBodyWide(start, GetCharSet(text), GetTransEncode(text),
+                     html || contentType.IsEmpty() ? &page : nullptr, pageOnly);
   if (html || (contentType.IsEmpty() && decoded.starts_with(kDoctype))) {
     return HtmlBodyToText(std::move(decoded), std::move(page), html_);
   }

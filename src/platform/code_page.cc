@@ -341,6 +341,11 @@ size_t Utf8ThroughAnsi(std::string_view utf8, bool untilFailure, std::u16string&
   return std::string::npos;
 }
 
+size_t Utf8ThroughAnsiPage(std::string_view utf8, bool untilFailure, char* page, size_t* written) {
+  return FastUtf8ToPage(IconvName(kAnsiCodePage), utf8, untilFailure, page, written,
+                        kExactConversions);
+}
+
 std::u16string AnsiToWide(std::string_view bytes) { return MultiByteToWide(kAnsiCodePage, bytes); }
 
 std::string WideToAnsi(std::u16string_view text) { return WideToMultiByte(kAnsiCodePage, text); }

@@ -61,6 +61,13 @@ void Utf8ThroughAnsi(std::string_view utf8, bool untilFailure, std::u16string& s
 size_t Utf8ThroughAnsi(std::string_view utf8, bool untilFailure, std::u16string& shown,
                        char* narrowed);
 
+// What the text Utf8ThroughAnsi makes of a start of `utf8` narrows to by
+// WideToMultiByteUntilFailure, without the text itself: written at `page` (room and placing as
+// for `narrowed` above), with *written set; returns the bytes of utf8 taken. AnsiToWide of the
+// bytes written gives that text back exactly, and Utf8ThroughAnsi of the rest of utf8 goes on
+// from it.
+size_t Utf8ThroughAnsiPage(std::string_view utf8, bool untilFailure, char* page, size_t* written);
+
 // Shorthands for the device ANSI code page.
 std::u16string AnsiToWide(std::string_view bytes);
 

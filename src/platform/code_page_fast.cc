@@ -66,6 +66,23 @@ size_t WidenAscii(const unsigned char* in, size_t size, char16_t* out) {
   return done;
 }
 
+// The length of the run of ASCII bytes other than NUL at `in` (sixteen at a time as above).
+size_t AsciiRunWithoutNul(const unsigned char* in, size_t size) {
+  size_t done = 0;
+#ifdef __SSE2__
+  const __m128i zero = _mm_setzero_si128();
+  while (size - done >= kBlockBytes) {
+    __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + done));
+    auto other = static_cast<unsigned>(_mm_movemask_epi8(block)) |
+                 static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(block, zero)));
+    if (other != 0) return done + static_cast<size_t>(std::countr_zero(other));
+    done += kBlockBytes;
+  }
+#endif
+  while (done < size && in[done] < 0x80 && in[done] != 0) ++done;
+  return done;
+}
+
 // Narrows a run of ASCII units; returns how many it took (sixteen at a time as above).
 size_t NarrowAscii(const char16_t* in, size_t size, char* out) {
   size_t done = 0;
@@ -277,6 +294,14 @@ class SingleBytePage {
 
   bool AsciiBothWays() const { return asciiBothWays_; }
 
+  // The byte `unit` shows as narrows to, when that byte reads back as `shown` itself.
+  std::optional<char> ReadBackByte(char16_t shown) {
+    std::optional<char> byte = Narrowed(shown, true);
+    if (!byte) return std::nullopt;
+    auto index = static_cast<unsigned char>(*byte);
+    return single_[index] && wide_[index] == shown ? byte : std::nullopt;
+  }
+
   // What `unit` shows as, noted in the table when it is a plain mapping; nothing when the
   // fast path cannot tell (or, setting `cut`, when it narrows to NUL).
   std::optional<char16_t> ShownAs(char16_t unit, bool untilFailure, bool& cut) {
@@ -383,6 +408,33 @@ size_t FastPrefixToNarrow(const std::string& iconvName, std::u16string_view text
 }  // namespace mailslice::platform
 
 namespace mailslice::platform {
+
+size_t FastUtf8ToPage(const std::string& iconvName, std::string_view utf8, bool untilFailure,
+                      char* page, size_t* written, const ExactConversions& exact) {
+  *written = 0;
+  if (!IsSingleBytePage(iconvName)) return 0;
+  SingleBytePage& table = PageFor(iconvName, exact);
+  if (!table.AsciiBothWays()) return 0;
+  const auto* in = reinterpret_cast<const unsigned char*>(utf8.data());
+  size_t at = 0, out = 0;
+  while (at < utf8.size()) {
+    // ASCII is its own byte; the run is moved down over what was read (page may lie on utf8).
+    size_t ascii = AsciiRunWithoutNul(in + at, utf8.size() - at);
+    std::memmove(page + out, in + at, ascii);
+    at += ascii;
+    out += ascii;
+    if (at == utf8.size() || in[at] < 0x80) break;  // the end, or a NUL
+    char16_t unit = 0;
+    size_t taken = DecodeMultiByte(in + at, utf8.size() - at, &unit);
+    std::optional<char16_t> shown = taken != 0 ? table.ShownAs(unit, untilFailure) : std::nullopt;
+    std::optional<char> byte = shown ? table.ReadBackByte(*shown) : std::nullopt;
+    if (!byte) break;
+    page[out++] = *byte;
+    at += taken;
+  }
+  *written = out;
+  return at;
+}
 
 size_t FastRoundTrip(const std::string& iconvName, std::u16string& text, bool untilFailure,
                      bool& cut, const ExactConversions& exact) {

@@ -64,6 +64,15 @@ size_t FastUtf8ThroughPage(const std::string& iconvName, std::string_view utf8, 
                            std::u16string& shown, const ExactConversions& exact,
                            char* narrowed = nullptr, size_t* narrowedCount = nullptr);
 
+// FastUtf8ThroughPage's result kept only as the bytes it narrows to (as there), for a reader
+// of the bytes alone: writes them at `page` (same room and placing as `narrowed` there), sets
+// *written, and returns the bytes of utf8 taken. It stops before the first character that would
+// end FastUtf8ThroughPage, whose shown unit does not narrow, or whose byte does not read back
+// as that unit: the text of the bytes taken is thus exactly the bytes written read back
+// through the page.
+size_t FastUtf8ToPage(const std::string& iconvName, std::string_view utf8, bool untilFailure,
+                      char* page, size_t* written, const ExactConversions& exact);
+
 }  // namespace mailslice::platform
 
 #endif  // MAILSLICE_PLATFORM_CODE_PAGE_FAST_H

@@ -172,7 +172,7 @@ TEST(CodePageFastTest, Utf8ThroughTheDevicePageNarrowsAsTheNarrowingAfterIt) {
       "\xE6\x97\xA5",        "\xC3",         "\r\n",     std::string(1, '\0')};
   for (const char* page : {"CP1250", "CP1251", "CP1252", "CP932"}) {
     ScopedEnv codePage("MAILSLICE_CODEPAGE", page);
-    int narrowedInPass = 0;
+    int narrowedInPass = 0, wholePages = 0;
     for (int round = 0; round < 200; ++round) {
       std::string text;
       size_t length = random() % 9000;
@@ -194,9 +194,23 @@ TEST(CodePageFastTest, Utf8ThroughTheDevicePageNarrowsAsTheNarrowingAfterIt) {
         ASSERT_EQ(room.substr(0, count), narrowed) << page << " " << round;
         ASSERT_EQ(over.substr(0, count), narrowed);
       }
+      // The page alone: the text read back from it and the rest read on make the whole text.
+      for (bool untilFailure : {false, true}) {
+        std::string alone = text;
+        size_t written = 0;
+        size_t taken = Utf8ThroughAnsiPage(alone, untilFailure, alone.data(), &written);
+        std::string bytes = alone.substr(0, written);
+        std::u16string start = Utf8ThroughAnsi(text.substr(0, taken), untilFailure);
+        ASSERT_EQ(AnsiToWide(bytes), start) << page << " " << round;
+        ASSERT_EQ(bytes, WideToMultiByteUntilFailureThroughIconv(start)) << page << " " << round;
+        ASSERT_EQ(start + Utf8ThroughAnsi(text.substr(taken), untilFailure),
+                  Utf8ThroughAnsi(text, untilFailure));
+        if (taken == text.size()) ++wholePages;
+      }
     }
     if (std::string_view(page) != "CP932") {
       EXPECT_GT(narrowedInPass, 50) << page;
+      EXPECT_GT(wholePages, 50) << page;
     }
   }
 }
