@@ -48,8 +48,6 @@ std::u16string ThroughTable(std::string_view text, char16_t (*table)(unsigned)) 
   return Widened(codec::NarrowForDevice(wide));
 }
 
-// What the converter's Utf8ToDevice hands over, read back through the device code page; done
-// here on the strings themselves, without its NUL-terminated copies.
 // Where the page of an HTML body goes (see DecodeBodyWide): `page`, and `textBuffer`, the
 // decoder's own buffer holding the text, over which the page is then written.
 struct PageRequest {
@@ -75,6 +73,8 @@ std::u16string PageOnly(std::string_view text, bool untilFailure, std::string& t
   return wide;
 }
 
+// What the converter's Utf8ToDevice hands over, read back through the device code page; done
+// here on the strings themselves, without its NUL-terminated copies.
 std::u16string FromUtf8ThroughDevice(std::string_view text, PageRequest request = {}) {
   text = text.substr(0, text.find('\0'));
   // Text saved by Windows editors starts with a byte order mark; it is left out.

@@ -9,7 +9,8 @@
 namespace mailslice::platform {
 namespace {
 
-// Room for the bodies of the messages the devices load (up to 9.9 MB), not more.
+// A larger buffer goes back to the host: a rare body of many megabytes does not hold its memory
+// for the small ones after it.
 constexpr size_t kMostKeptBytes = size_t{16} << 20;
 constexpr size_t kMostRoomPerSize = 2;
 
