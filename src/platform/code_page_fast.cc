@@ -294,7 +294,7 @@ class SingleBytePage {
 
   bool AsciiBothWays() const { return asciiBothWays_; }
 
-  // The byte `unit` shows as narrows to, when that byte reads back as `shown` itself.
+  // The byte `shown` narrows to, when that byte reads back as `shown` itself.
   std::optional<char> ReadBackByte(char16_t shown) {
     std::optional<char> byte = Narrowed(shown, true);
     if (!byte) return std::nullopt;
