@@ -94,11 +94,30 @@ TEST(QuotedPrintableTest, UnderscoresBecomeSpacesOnlyUncountedAndUnderLanguage33
 }
 
 TEST(QuotedPrintableTest, MatchesTheLiteralReadingOnGeneratedInput) {
-  const char* pieces[] = {"=",    "=\r\n",  "\r\n", "=3D", "=3d",
-                          "=A",   "=C3=A9", "_",    "a",   "Z",
-                          "0",    "F",      "\r",   "\n",  " ",
-                          "\x80", "=\n",    "=g",   "=F",  "a plain run longer than one block ",
-                          "=41=42=43=44=45=46", "=0A", "=\r\n=\r\n", "=\r"};
+  const char* pieces[] = {"=",
+                          "=\r\n",
+                          "\r\n",
+                          "=3D",
+                          "=3d",
+                          "=A",
+                          "=C3=A9",
+                          "_",
+                          "a",
+                          "Z",
+                          "0",
+                          "F",
+                          "\r",
+                          "\n",
+                          " ",
+                          "\x80",
+                          "=\n",
+                          "=g",
+                          "=F",
+                          "a plain run longer than one block ",
+                          "=41=42=43=44=45=46",
+                          "=0A",
+                          "=\r\n=\r\n",
+                          "=\r"};
   std::mt19937 random(1207);
   for (int language : {1, 33}) {
     ScopedEnv setting("MAILSLICE_LANGUAGE", std::to_string(language));
