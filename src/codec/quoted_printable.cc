@@ -7,8 +7,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "codec/quoted_printable_vector.h"
 #include "platform/device_settings.h"
-#include "platform/large_pages.h"
 
 #ifdef __SSE2__
 #include <emmintrin.h>
@@ -100,6 +100,15 @@ bool CopyPlainRun(Decoding& d) {
   return equals != nullptr;
 }
 
+// Decodes the blocks the vector decoder takes whole.
+void DecodeVectorBlocks(Decoding& d) {
+  DecodedBlocks blocks = DecodePlainEscapeBlocks(d.in, static_cast<size_t>(d.end - d.in), d.out);
+  d.written = std::max(d.written, d.out + blocks.read);
+  d.in += blocks.read;
+  d.out += blocks.written;
+  if (blocks.anyEscape) d.error = 1;
+}
+
 // `buffer` holds strlen(text) + 1 bytes; `cleared` says it is all zeros already.
 char* DecodeInto(unsigned char* buffer, bool cleared, const char* text, size_t size, int* length,
                  int* error) {
@@ -108,7 +117,9 @@ char* DecodeInto(unsigned char* buffer, bool cleared, const char* text, size_t s
   bool cut = false;
   // Escapes come in runs (every byte of an encoded UTF-8 character is one): a run is decoded
   // before the next plain run is looked for.
-  while (!cut && CopyPlainRun(d)) {
+  while (!cut) {
+    DecodeVectorBlocks(d);
+    if (!CopyPlainRun(d)) break;
     do {
       if (static_cast<size_t>(d.end - d.in) < kEscapeLength) {
         cut = true;  // an escape cut by the end of the text ends the decoding where it stands
@@ -143,12 +154,9 @@ char* DecodeQuotedPrintable(const char* text, int* length, int* error) {
   return DecodeInto(buffer, true, text, size, length, error);
 }
 
-char* DecodeQuotedPrintableBody(const char* text) {
-  if (text == nullptr) text = "";
-  size_t size = std::strlen(text);
-  auto* buffer = static_cast<unsigned char*>(platform::AllocateLarge(size + 1));
-  if (buffer == nullptr) return nullptr;
-  return DecodeInto(buffer, false, text, size, nullptr, nullptr);
+void DecodeQuotedPrintableBody(const char* text, size_t size, std::string& decoded) {
+  decoded.assign(size + 1, '\0');
+  DecodeInto(reinterpret_cast<unsigned char*>(decoded.data()), true, text, size, nullptr, nullptr);
 }
 
 }  // namespace mailslice::codec

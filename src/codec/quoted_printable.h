@@ -2,6 +2,9 @@
 #ifndef MAILSLICE_CODEC_QUOTED_PRINTABLE_H
 #define MAILSLICE_CODEC_QUOTED_PRINTABLE_H
 
+#include <cstddef>
+#include <string>
+
 namespace mailslice::codec {
 
 // The device language whose mail writes spaces in encoded words as underscores.
@@ -14,10 +17,11 @@ inline constexpr int kUnderscoreSpaceLanguage = 33;
 // decoding at once, with neither. *error receives the error flag.
 char* DecodeQuotedPrintable(const char* text, int* length, int* error = nullptr);
 
-// DecodeQuotedPrintable(text, nullptr) for a body, which is read up to its NUL only: the
-// buffer is placed for large pages (platform::AllocateLarge) and nothing behind the NUL is
-// cleared, so a body of megabytes costs no more memory traffic than its decoded text.
-char* DecodeQuotedPrintableBody(const char* text);
+// DecodeQuotedPrintable(text, nullptr) for a body, which is read up to its NUL only, written
+// into `decoded` (its room is used, so a caller decoding one body after another asks the host
+// for no new memory): `text` holds `size` bytes followed by a NUL, and `decoded` gets size + 1
+// bytes, the text and its NUL first.
+void DecodeQuotedPrintableBody(const char* text, size_t size, std::string& decoded);
 
 }  // namespace mailslice::codec
 

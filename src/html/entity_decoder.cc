@@ -1,5 +1,6 @@
-// The decoder makes one pass over the text for the references instead of one pass per table
-// row, with the same result as applying the rows one after another to the whole text:
+// The decoder makes one pass over the text, in place, for the breaks, the references and the tag
+// spans together, instead of one pass per step and per table row, with the same result as
+// applying the rows one after another to the whole text:
 // - A reference runs from "&" to the next ";" and holds neither, so references never overlap
 //   and each is decoded by the first row (in table order) written the same way.
 // - No replacement can form part of a reference except "&" (from "&#38;" and "&amp;"). That "&"
@@ -10,27 +11,36 @@
 #include "html/entity_decoder.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "html/entity_tables.h"
+#include "platform/white_space.h"
 #include "platform/wide_search.h"
 
 namespace mailslice::html {
 namespace {
 
-constexpr const char16_t* kXhtmlBreak = u"<br />";
-constexpr const char16_t* kLineBreak = u"\r\n";
+constexpr std::u16string_view kXhtmlBreak = u"<br />";
+constexpr std::u16string_view kLineBreak = u"\r\n";
 constexpr char16_t kReferenceOpen = u'&';
 constexpr char16_t kReferenceClose = u';';
 constexpr std::u16string_view kMadeReferenceOpen = u"&";
+constexpr char16_t kTagOpen = u'<';
+constexpr char16_t kTagClose = u'>';
+// The units where plain copying stops: a reference, a break or the ends of a tag span.
+constexpr std::u16string_view kMarkedUnits = u"&<>";
 
-// Every row of the tables, with its place in the order of application, found by its text.
+// Every row of the tables, with its place in the order of application, found by its text. The
+// texts are short ASCII words, each packed into one number (seven bits a character, after its
+// length), so a look-up compares numbers.
 class ReferenceIndex {
  public:
   struct Row {
-    std::u16string_view entity;
+    uint64_t key;
     std::u16string_view replacement;
     size_t order;
   };
@@ -41,15 +51,16 @@ class ReferenceIndex {
     }
     for (const EntityRow& row : kNamedEntities) Add(row);
     std::stable_sort(rows_.begin(), rows_.end(),
-                     [](const Row& a, const Row& b) { return a.entity < b.entity; });
+                     [](const Row& a, const Row& b) { return a.key < b.key; });
   }
 
   // The first row at or after `fromOrder` that is written `entity`, or null.
   const Row* Find(std::u16string_view entity, size_t fromOrder) const {
-    auto it =
-        std::lower_bound(rows_.begin(), rows_.end(), entity,
-                         [](const Row& row, std::u16string_view e) { return row.entity < e; });
-    for (; it != rows_.end() && it->entity == entity; ++it) {
+    std::optional<uint64_t> key = Key(entity);
+    if (!key) return nullptr;
+    auto it = std::lower_bound(rows_.begin(), rows_.end(), *key,
+                               [](const Row& row, uint64_t k) { return row.key < k; });
+    for (; it != rows_.end() && it->key == *key; ++it) {
       if (it->order >= fromOrder) return &*it;
     }
     return nullptr;
@@ -58,8 +69,24 @@ class ReferenceIndex {
   size_t longest() const { return longest_; }
 
  private:
+  static constexpr size_t kMostCharacters = 8;
+  static constexpr unsigned kBitsPerCharacter = 7;
+  static constexpr char16_t kFirstOutsideAscii = 0x80;
+
+  // Nothing for a text no row can have: longer than any packs, or not ASCII.
+  static std::optional<uint64_t> Key(std::u16string_view entity) {
+    if (entity.size() > kMostCharacters) return std::nullopt;
+    uint64_t key = entity.size();
+    for (char16_t unit : entity) {
+      if (unit >= kFirstOutsideAscii) return std::nullopt;
+      key = key << kBitsPerCharacter | unit;
+    }
+    return key;
+  }
+
   void Add(const EntityRow& row) {
-    rows_.push_back({row.entity, row.replacement, rows_.size()});
+    // Every row is a short ASCII word, which the keys hold whole.
+    rows_.push_back({*Key(row.entity), row.replacement, rows_.size()});
     longest_ = std::max(longest_, row.entity.size());
   }
 
@@ -80,9 +107,14 @@ std::u16string_view ReferenceAfter(std::u16string_view text, size_t open, size_t
   return close == std::u16string_view::npos ? std::u16string_view() : rest.substr(0, close);
 }
 
-// Decodes the reference whose "&" is at `open`, following the chain of "&" that decoding may
-// make, and appends the result. Returns where the copying of plain text goes on.
-size_t AppendDecodedReference(std::u16string_view text, size_t open, std::u16string& out) {
+// The reference whose "&" is at `open`, decoded, following the chain of "&" that decoding may
+// make: the unit it stands for (the "&" itself when none) and where the reading goes on.
+struct DecodedReference {
+  std::u16string_view text;
+  size_t next;
+};
+
+DecodedReference DecodeReference(std::u16string_view text, size_t open) {
   const ReferenceIndex& index = Index();
   size_t fromOrder = 0;
   while (true) {
@@ -90,64 +122,88 @@ size_t AppendDecodedReference(std::u16string_view text, size_t open, std::u16str
     const ReferenceIndex::Row* row = entity.empty() ? nullptr : index.Find(entity, fromOrder);
     if (!row) break;
     size_t close = open + 1 + entity.size();
-    if (row->replacement != kMadeReferenceOpen) {
-      out.append(row->replacement);
-      return close + 1;
-    }
+    if (row->replacement != kMadeReferenceOpen) return {row->replacement, close + 1};
     // The ";" now stands where the new "&" is.
     open = close;
     fromOrder = row->order + 1;
   }
-  out += kReferenceOpen;
-  return open + 1;
+  return {kMadeReferenceOpen, open + 1};
 }
 
-std::u16string DecodeReferences(std::u16string_view text) {
-  std::u16string out;
-  out.reserve(text.size());
-  size_t copyFrom = 0;
-  for (size_t open;
-       (open = platform::FindUnit(text, kReferenceOpen, copyFrom)) != std::u16string_view::npos;) {
-    out.append(text.substr(copyFrom, open - copyFrom));
-    copyFrom = AppendDecodedReference(text, open, out);
-  }
-  return out.append(text.substr(copyFrom));
-}
+// Writes the decoded text over the text being read, behind the reading: no replacement is
+// longer than its reference, and a break is shorter than its tag. Each span from a "<" to the
+// next ">" of the decoded text is dropped as soon as its ">" is written; a "<" left unmatched
+// stays with what follows it.
+class InPlaceWriter {
+ public:
+  explicit InPlaceWriter(std::u16string& text) : text_(text) {}
 
-// Removes each span from a "<" to the next ">"; an unmatched "<" and what follows it stay.
-// Removing a span never makes a new "<", so the scan goes on where the span ended. The kept
-// text moves down in place: it is written only behind the scan.
-void RemoveTagSpans(std::u16string& text) {
-  size_t kept = 0, copyFrom = 0;
-  while (true) {
-    size_t open = platform::FindUnit(text, u'<', copyFrom);
-    size_t close = open == std::u16string::npos ? open : platform::FindUnit(text, u'>', open);
-    if (close == std::u16string::npos) break;
-    std::char_traits<char16_t>::move(text.data() + kept, text.data() + copyFrom, open - copyFrom);
-    kept += open - copyFrom;
-    copyFrom = close + 1;
+  // A run holding no "<" or ">".
+  void PutRun(size_t from, size_t count) {
+    if (from != written_) {
+      std::char_traits<char16_t>::move(text_.data() + written_, text_.data() + from, count);
+    }
+    written_ += count;
   }
-  size_t rest = text.size() - copyFrom;
-  std::char_traits<char16_t>::move(text.data() + kept, text.data() + copyFrom, rest);
-  text.resize(kept + rest);
+
+  void Put(std::u16string_view units) {
+    for (char16_t unit : units) Put(unit);
+  }
+
+  void Put(char16_t unit) {
+    if (unit == kTagOpen && spanOpen_ == std::u16string::npos) spanOpen_ = written_;
+    if (unit == kTagClose && spanOpen_ != std::u16string::npos) {
+      written_ = spanOpen_;
+      spanOpen_ = std::u16string::npos;
+      return;
+    }
+    text_[written_++] = unit;
+  }
+
+  void Finish() { text_.resize(written_); }
+
+ private:
+  std::u16string& text_;
+  size_t written_ = 0;
+  size_t spanOpen_ = std::u16string::npos;
+};
+
+// One pass for the three steps, with the result of doing them one after another over the whole
+// text: an XHTML break never holds or joins a reference (no reference has "<" or a line end in
+// it), and removing a span never makes a new "<".
+void DecodeAndRemoveSpans(std::u16string& text) {
+  const std::u16string_view view(text);
+  InPlaceWriter out(text);
+  size_t read = 0;
+  for (size_t at; (at = platform::FindAnyUnit(view, kMarkedUnits, read)) != view.npos;) {
+    out.PutRun(read, at - read);
+    if (view.substr(at).starts_with(kXhtmlBreak)) {
+      out.Put(kLineBreak);
+      read = at + kXhtmlBreak.size();
+    } else if (view[at] == kReferenceOpen) {
+      DecodedReference decoded = DecodeReference(view, at);
+      out.Put(decoded.text);
+      read = decoded.next;
+    } else {
+      out.Put(view[at]);
+      read = at + 1;
+    }
+  }
+  out.PutRun(read, view.size() - read);
+  out.Finish();
 }
 
 }  // namespace
 
+void HtmlEntityDecoder::DecodeInPlace(std::u16string& text) const {
+  DecodeAndRemoveSpans(text);
+  platform::TrimSpaces(text);
+}
+
 CString HtmlEntityDecoder::Decode(const CString& text) const {
-  std::u16string decoded;
-  if (platform::FindUnits(text.Str(), kXhtmlBreak) == std::u16string::npos) {
-    decoded = DecodeReferences(text.Str());  // no copy for the breaks
-  } else {
-    CString withBreaks(text);
-    withBreaks.Replace(kXhtmlBreak, kLineBreak);
-    decoded = DecodeReferences(withBreaks.Str());
-  }
-  RemoveTagSpans(decoded);
-  CString result(std::move(decoded));
-  result.TrimRight();
-  result.TrimLeft();
-  return result;
+  std::u16string decoded(text.Str());
+  DecodeInPlace(decoded);
+  return CString(std::move(decoded));
 }
 
 }  // namespace mailslice::html

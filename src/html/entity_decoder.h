@@ -5,6 +5,8 @@
 
 #include <mailslice/cstring.h>
 
+#include <string>
+
 namespace mailslice::html {
 
 class HtmlEntityDecoder {
@@ -13,6 +15,8 @@ class HtmlEntityDecoder {
   // groups first, then the named ones; every span from a "<" to the next ">" is removed (also
   // one made of decoded "&lt;" and "&gt;"); white space is trimmed at both ends.
   CString Decode(const CString& text) const;
+  // The same, done over `text` itself.
+  void DecodeInPlace(std::u16string& text) const;
 };
 
 }  // namespace mailslice::html

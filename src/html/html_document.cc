@@ -5,6 +5,7 @@
 #include <new>
 
 #include "platform/code_page.h"
+#include "platform/white_space.h"
 
 namespace mailslice::html {
 namespace {
@@ -65,15 +66,28 @@ void BodyTextCollector::Element(std::string_view name) {
   }
 }
 
+// Any attribute named TEXT... counts, so comments and a body tag's own TEXT colour are read as
+// text too, as the device always did.
+bool BodyTextCollector::Reads(std::string_view name) const {
+  return inBody_ && name.starts_with(kContentAttributeName);
+}
+
 void BodyTextCollector::Attribute(std::string_view name, std::optional<std::string_view> value) {
-  // Any attribute named TEXT... counts, so comments and a body tag's own TEXT colour are read
-  // as text too, as the device always did.
-  if (!inBody_ || !name.starts_with(kContentAttributeName)) return;
-  // An attribute written without a value reads as empty text.
-  CString line(reader_.Widen(value.value_or(std::string_view())));
-  line.Trim();
-  if (line.IsEmpty() || line.Str().starts_with(kScriptCommentPrefix)) return;
-  text_.append(line.Str()).append(kLineBreak);
+  if (!Reads(name)) return;
+  // An attribute written without a value reads as empty text. The line is widened onto the end
+  // of the text, trimmed there and moved down over what was trimmed off its start.
+  const size_t start = text_.size();
+  reader_.AppendWidened(value.value_or(std::string_view()), text_);
+  platform::TrimmedRange kept = platform::Untrimmed(std::u16string_view(text_).substr(start));
+  std::u16string_view line =
+      std::u16string_view(text_).substr(start + kept.begin, kept.end - kept.begin);
+  if (line.empty() || line.starts_with(kScriptCommentPrefix)) {
+    text_.resize(start);
+    return;
+  }
+  std::char_traits<char16_t>::move(text_.data() + start, line.data(), line.size());
+  text_.resize(start + line.size() + kLineBreak.size());
+  kLineBreak.copy(text_.data() + start + line.size(), kLineBreak.size());
 }
 
 CString HtmlDocument::CollectBodyText() const {

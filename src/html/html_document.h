@@ -76,11 +76,20 @@ class HtmlElement {
 // tag, each trimmed and followed by CR LF; runs that start with "//" are left out.
 class BodyTextCollector {
  public:
+  BodyTextCollector() = default;
+  // Collects into `storage`, emptied first: its room is used.
+  explicit BodyTextCollector(std::u16string&& storage) : text_(std::move(storage)) {
+    text_.clear();
+  }
+
   // An element of that name begins (its attributes follow).
   void Element(std::string_view name);
   // An attribute of the last element; nothing for one written without a value.
   void Attribute(std::string_view name, std::optional<std::string_view> value);
+  // Whether an attribute of that name of the last element adds to the text.
+  bool Reads(std::string_view name) const;
   CString Take() { return CString(std::move(text_)); }
+  std::u16string TakeText() { return std::move(text_); }
 
  private:
   platform::AnsiReader reader_;
@@ -106,6 +115,8 @@ class HtmlDocument {
   // The text CollectBodyText gives for the document that Parse makes of `text`, read without
   // building the element list.
   static CString ReadBodyText(const char* text);
+  // The same, written into `storage` (emptied first; its room is used).
+  static void ReadBodyTextInto(const char* text, std::u16string& storage);
 
   void Append(std::unique_ptr<HtmlElement> element);
   uint32_t count() const { return count_; }

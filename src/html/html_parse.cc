@@ -11,6 +11,7 @@
 
 #include "html/html_document.h"
 #include "html/tag_table.h"
+#include "platform/byte_search.h"
 
 namespace mailslice::html {
 namespace {
@@ -65,8 +66,6 @@ bool StartsWith(const char* text, std::string_view prefix) {
 
 bool EndsTagName(char ch) { return ch == '\n' || ch == ' ' || ch == '>' || ch == '\0'; }
 
-bool EndsAttributeName(char ch) { return ch == ' ' || ch == '=' || ch == '<' || ch == '>'; }
-
 // Hands each element to a BodyTextCollector as soon as it is complete, keeping only the one
 // being read; names and values point into the page.
 class TextBuilder {
@@ -80,16 +79,19 @@ class TextBuilder {
 
   explicit TextBuilder(BodyTextCollector& collector) : collector_(collector) {}
 
+  // Every element made is appended before the next is made, so the collector learns of it at
+  // once: it then tells which of its attributes it will read, and only those are kept.
   Element MakeElement(std::string_view name) {
     // A name the element list would refuse leaves the element without one.
     bool fits = !name.empty() && name.size() <= HtmlElement::kMaxNameLength;
     pending_.name = fits ? name : std::string_view();
     pending_.attributes.clear();
+    collector_.Element(pending_.name);
     return &pending_;
   }
 
-  static Attribute AddAttribute(Element& element, std::string_view name) {
-    if (element == nullptr) return 0;
+  Attribute AddAttribute(Element& element, std::string_view name) {
+    if (element == nullptr || !collector_.Reads(name)) return 0;
     element->attributes.emplace_back(name, std::nullopt);
     return element->attributes.size();
   }
@@ -100,7 +102,6 @@ class TextBuilder {
 
   void Append(Element element) {
     if (element == nullptr) return;
-    collector_.Element(element->name);
     for (const auto& [name, value] : element->attributes) collector_.Attribute(name, value);
   }
 
@@ -190,7 +191,9 @@ class Parser {
       cursor_ = SkipHtmlSpace(cursor_);
       if (AtTagEnd()) return;
       const char* name = cursor_;
-      while (*cursor_ != '\0' && (!EndsAttributeName(*cursor_) || AtStrayLessThan())) ++cursor_;
+      while ((cursor_ = FindFirstOf(cursor_, ' ', '=', '<', '>')) != end_ && AtStrayLessThan()) {
+        ++cursor_;
+      }
       if (*cursor_ == '\0' || cursor_ == name) return;
       auto attribute = builder_.AddAttribute(element, std::string_view(name, cursor_ - name));
       cursor_ = SkipHtmlSpace(cursor_);
@@ -215,13 +218,19 @@ class Parser {
     if (quote != '\0') ++cursor_;
     char stop = quote != '\0' ? quote : ' ';
     const char* start = cursor_;
-    while (*cursor_ != '\0' && *cursor_ != stop && *cursor_ != '>' &&
-           (*cursor_ != '<' || AtStrayLessThan())) {
+    while ((cursor_ = FindFirstOf(cursor_, stop, '>', '<')) != end_ && AtStrayLessThan()) {
       ++cursor_;
     }
     std::string_view value(start, cursor_ - start);
     if (quote != '\0' && *cursor_ == quote) ++cursor_;
     return value;
+  }
+
+  // The first of `bytes` at or after `from`, or the end of the page.
+  template <typename... Bytes>
+  const char* FindFirstOf(const char* from, Bytes... bytes) const {
+    size_t at = platform::FindAnyByte(std::string_view(from, end_ - from), 0, bytes...);
+    return at == std::string_view::npos ? end_ : from + at;
   }
 
   const char* FindLessThan(const char* from) const {
@@ -244,11 +253,18 @@ class Parser {
 }  // namespace
 
 CString HtmlDocument::ReadBodyText(const char* text) {
-  BodyTextCollector collector;
-  if (text == nullptr) return collector.Take();
-  TextBuilder builder(collector);
-  Parser<TextBuilder>(text, builder).Run();
-  return collector.Take();
+  std::u16string collected;
+  ReadBodyTextInto(text, collected);
+  return CString(std::move(collected));
+}
+
+void HtmlDocument::ReadBodyTextInto(const char* text, std::u16string& storage) {
+  BodyTextCollector collector(std::move(storage));
+  if (text != nullptr) {
+    TextBuilder builder(collector);
+    Parser<TextBuilder>(text, builder).Run();
+  }
+  storage = collector.TakeText();
 }
 
 int HtmlDocument::Parse(const char* text) {

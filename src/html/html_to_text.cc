@@ -8,6 +8,7 @@
 #include "html/entity_decoder.h"
 #include "html/html_document.h"
 #include "platform/code_page.h"
+#include "platform/spare_buffers.h"
 
 namespace mailslice::html {
 namespace {
@@ -15,13 +16,14 @@ namespace {
 // The 8-bit copy of the body has room for two bytes per wide character, as on the device.
 constexpr size_t kNarrowBytesPerCharacter = 2;
 
-// The body in the device ANSI code page, as the C library's wcstombs gives it: the copy stops
-// at the first character the code page cannot hold, and at the last whole character that
-// fits in the room.
-std::string NarrowForReading(std::u16string_view html) {
+// The body in the device ANSI code page, as the C library's wcstombs gives it, written into
+// `narrow`: the copy stops at the first character the code page cannot hold, and at the last
+// whole character that fits in the room.
+void NarrowForReading(std::u16string_view html, std::string& narrow) {
   const size_t room = html.size() * kNarrowBytesPerCharacter;
-  std::string narrow = platform::WideToMultiByteUntilFailure(html);
-  if (narrow.size() <= room) return narrow;
+  narrow.clear();
+  platform::WideToMultiByteUntilFailure(html, narrow);
+  if (narrow.size() <= room) return;
   // Only code pages with characters of three bytes or more get here: find the longest start of
   // the body whose conversion fits (conversions of longer starts are never shorter).
   size_t fits = 0;
@@ -37,25 +39,54 @@ std::string NarrowForReading(std::u16string_view html) {
     }
   }
   if (fits == 0) narrow.clear();
-  return narrow;
 }
 
-CString TextFromOwnReader(const CString& html) {
-  std::string narrow = NarrowForReading(html.Str());
-  return HtmlEntityDecoder().Decode(HtmlDocument::ReadBodyText(narrow.c_str()));
+// The text is collected into the body's own buffer once the body is narrowed, and handed back
+// in a string of its own length.
+CString TextFromOwnReader(std::u16string&& html, std::string&& narrow) {
+  if (narrow.empty()) {
+    narrow = platform::TakeSpareBytes(html.size() + 1);
+    NarrowForReading(html, narrow);
+  } else if (html.capacity() < narrow.size()) {
+    html = platform::TakeSpareWide(narrow.size());  // a body given as its page alone
+  }
+  HtmlDocument::ReadBodyTextInto(narrow.c_str(), html);
+  HtmlEntityDecoder().DecodeInPlace(html);
+  CString text{std::u16string(html)};
+  platform::KeepSpare(std::move(narrow));
+  platform::KeepSpare(std::move(html));
+  return text;
+}
+
+std::u16string SpareCopy(std::u16string_view html) {
+  std::u16string copy = platform::TakeSpareWide(html.size());
+  copy.assign(html);
+  return copy;
 }
 
 }  // namespace
 
 CString ConvertHtmlToText(const CString& html) {
-  return ConvertHtmlToText(html, platform::HostHtmlEngine());
+  return ConvertHtmlToText(SpareCopy(html.Str()), std::string(), platform::HostHtmlEngine());
 }
 
 CString ConvertHtmlToText(const CString& html, platform::HtmlEngine& engine) {
-  if (std::optional<std::u16string> bodyText = engine.BodyText(html.Str())) {
+  return ConvertHtmlToText(SpareCopy(html.Str()), std::string(), engine);
+}
+
+bool ReadsWideText() { return platform::HostHtmlEngine().MakesDocuments(); }
+
+CString ConvertHtmlToText(std::u16string&& html, std::string&& page) {
+  return ConvertHtmlToText(std::move(html), std::move(page), platform::HostHtmlEngine());
+}
+
+CString ConvertHtmlToText(std::u16string&& html, std::string&& page, platform::HtmlEngine& engine) {
+  if (std::optional<std::u16string> bodyText = engine.BodyText(html)) {
+    platform::KeepSpare(std::move(html));
+    platform::KeepSpare(std::move(page));
     return CString(std::move(*bodyText));
   }
-  return TextFromOwnReader(html);
+  return TextFromOwnReader(std::move(html), std::move(page));
 }
 
 }  // namespace mailslice::html

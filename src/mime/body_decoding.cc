@@ -15,6 +15,7 @@
 #include "codec/quoted_printable.h"
 #include "platform/code_page.h"
 #include "platform/device_settings.h"
+#include "platform/spare_buffers.h"
 
 namespace mailslice::mime {
 namespace {
@@ -31,13 +32,13 @@ struct FreeDeleter {
 using HeapText = std::unique_ptr<char, FreeDeleter>;
 
 // The device reads 8-bit text through its ANSI code page, up to the first NUL.
-CString Widened(std::string_view text) {
-  return CString(platform::AnsiToWide(text.substr(0, text.find('\0'))));
+std::u16string Widened(std::string_view text) {
+  return platform::AnsiToWide(text.substr(0, text.find('\0')));
 }
 
 // A single-byte Cyrillic body mapped through its table, then narrowed to the device code page
 // and read back, as a Japanese device shows it.
-CString ThroughTable(std::string_view text, char16_t (*table)(unsigned)) {
+std::u16string ThroughTable(std::string_view text, char16_t (*table)(unsigned)) {
   std::u16string wide;
   wide.reserve(text.size());
   for (unsigned char byte : text) {
@@ -47,18 +48,66 @@ CString ThroughTable(std::string_view text, char16_t (*table)(unsigned)) {
   return Widened(codec::NarrowForDevice(wide));
 }
 
+// Where the page of an HTML body goes (see DecodeBodyWide): `page`, and `textBuffer`, the
+// decoder's own buffer holding the text, over which the page is then written.
+struct PageRequest {
+  std::string* page = nullptr;
+  std::string* textBuffer = nullptr;
+  bool pageOnly = false;  // the wide text is left out when the page comes out whole
+};
+
+// The page of a UTF-8 text alone, written at `target`; when it does not come out whole, the
+// wide text after all: that of the page so far, and the rest read on from there.
+std::u16string PageOnly(std::string_view text, bool untilFailure, std::string& target,
+                        std::string& page) {
+  size_t written = 0;
+  size_t taken = platform::Utf8ThroughAnsiPage(text, untilFailure, target.data(), &written);
+  if (taken == text.size()) {
+    target.resize(written);
+    page = std::move(target);
+    return std::u16string();
+  }
+  std::u16string wide = platform::TakeSpareWide(text.size());
+  platform::AnsiReader().AppendWidened(std::string_view(target.data(), written), wide);
+  platform::Utf8ThroughAnsi(text.substr(taken), untilFailure, wide);
+  return wide;
+}
+
 // What the converter's Utf8ToDevice hands over, read back through the device code page; done
 // here on the strings themselves, without its NUL-terminated copies.
-CString FromUtf8ThroughDevice(std::string_view text) {
+std::u16string FromUtf8ThroughDevice(std::string_view text, PageRequest request = {}) {
   text = text.substr(0, text.find('\0'));
   // Text saved by Windows editors starts with a byte order mark; it is left out.
   if (text.starts_with(kUtf8ByteOrderMark)) text.remove_prefix(kUtf8ByteOrderMark.size());
   // There the narrowing stops at the first character that the code page cannot hold.
   bool untilFailure = platform::LanguageCode() == codec::kWcstombsLanguage;
-  return CString(platform::Utf8ThroughAnsi(text, untilFailure));
+  if (request.page == nullptr) {
+    std::u16string wide = platform::TakeSpareWide(text.size());
+    platform::Utf8ThroughAnsi(text, untilFailure, wide);
+    return wide;
+  }
+  std::string room;
+  if (request.textBuffer == nullptr) {
+    room = platform::TakeSpareBytes(text.size() + 1);
+    room.resize(text.size());
+  }
+  std::string& target = request.textBuffer != nullptr ? *request.textBuffer : room;
+  if (request.pageOnly) {
+    std::u16string wide = PageOnly(text, untilFailure, target, *request.page);
+    platform::KeepSpare(std::move(room));
+    return wide;
+  }
+  std::u16string wide = platform::TakeSpareWide(text.size());
+  size_t narrowed = platform::Utf8ThroughAnsi(text, untilFailure, wide, target.data());
+  if (narrowed != std::string::npos) {
+    target.resize(narrowed);
+    *request.page = std::move(target);
+  }
+  platform::KeepSpare(std::move(room));
+  return wide;
 }
 
-CString ForJapaneseDevice(std::string_view text, const CString& charset) {
+std::u16string ForJapaneseDevice(std::string_view text, const CString& charset) {
   codec::JapaneseConverter converter;
   if (charset == u"euc-jp") {
     std::string copy(text);
@@ -85,15 +134,14 @@ bool EndsWith(const CString& text, const char16_t* suffix) {
 
 // Bytes read in a charset the host knows, for the languages whose device code page differs
 // from the charset their mail arrives in.
-CString ReadAs(std::string_view text, std::string_view charset) {
+std::u16string ReadAs(std::string_view text, std::string_view charset) {
   text = text.substr(0, text.find('\0'));
   auto wide = platform::CharsetToWide(charset, text);
-  return wide ? CString(std::move(*wide)) : Widened(text);
+  return wide ? std::move(*wide) : Widened(text);
 }
 
-}  // namespace
-
-CString ConvertBodyCharset(std::string_view text, const CString& charset) {
+std::u16string ConvertCharset(std::string_view text, const CString& charset,
+                              PageRequest page = {}) {
   int language = CVelEdit().GetCurrentLanguageCode();
   if (language == kJapaneseLanguage) return ForJapaneseDevice(text, charset);
   if (charset == u"iso-8859-2") {
@@ -101,7 +149,7 @@ CString ConvertBodyCharset(std::string_view text, const CString& charset) {
     // which places several letters elsewhere); others widen the bytes as they are.
     return language == kCentralEuropeanLanguage ? ReadAs(text, "iso-8859-2") : Widened(text);
   }
-  if (EndsWith(charset, u"utf-8")) return FromUtf8ThroughDevice(text);
+  if (EndsWith(charset, u"utf-8")) return FromUtf8ThroughDevice(text, page);
   if (charset == u"iso-8859-6") {
     // Arabic devices take the text widened through windows-1256 back to its bytes and read
     // those as ISO-8859-6, giving the letters in logical order as Unicode stores them.
@@ -110,28 +158,46 @@ CString ConvertBodyCharset(std::string_view text, const CString& charset) {
   return Widened(text);
 }
 
-CString DecodeBodyText(const char* body, CString charset, CString transferEncoding,
-                       const CString& /*contentType*/) {
-  if (body == nullptr) return CString();
+}  // namespace
+
+CString ConvertBodyCharset(std::string_view text, const CString& charset) {
+  return CString(ConvertCharset(text, charset));
+}
+
+std::u16string DecodeBodyWide(const char* body, CString charset, CString transferEncoding,
+                              std::string* page, bool pageOnly) {
+  if (page != nullptr) page->clear();
+  if (body == nullptr) return std::u16string();
   charset.MakeLower();
   transferEncoding.MakeLower();
   if (transferEncoding == u"quoted-printable") {
-    // Decoded as an encoded word is: under language 33 underscores become spaces.
-    HeapText decoded(codec::DecodeQuotedPrintableBody(body));
-    return decoded ? ConvertBodyCharset(decoded.get(), charset) : CString();
+    // Decoded as an encoded word is: under language 33 underscores become spaces. The decoded
+    // bytes are read up to their NUL.
+    size_t size = std::strlen(body);
+    std::string decoded = platform::TakeSpareBytes(size + 1);
+    codec::DecodeQuotedPrintableBody(body, size, decoded);
+    // The page, when asked for, is written over the decoded bytes as they are read.
+    std::u16string wide = ConvertCharset(decoded.c_str(), charset, {page, &decoded, pageOnly});
+    platform::KeepSpare(std::move(decoded));
+    return wide;
   }
   if (transferEncoding == u"base64") {
     int length = static_cast<int>(std::min<size_t>(std::strlen(body), INT32_MAX));
     HeapText decoded(codec::DecodeBase64(body, &length));
-    if (!decoded) return CString();
+    if (!decoded) return std::u16string();
     // Only the bytes the decoder counts: a spoiled last group leaves uncounted bytes behind.
-    return ConvertBodyCharset(std::string_view(decoded.get(), static_cast<size_t>(length)),
-                              charset);
+    return ConvertCharset(std::string_view(decoded.get(), static_cast<size_t>(length)), charset,
+                          {page, nullptr, pageOnly});
   }
   if (transferEncoding == u"8bit" || transferEncoding == u"7bit") {
-    return ConvertBodyCharset(body, charset);
+    return ConvertCharset(body, charset, {page, nullptr, pageOnly});
   }
   return Widened(body);
+}
+
+CString DecodeBodyText(const char* body, CString charset, CString transferEncoding,
+                       const CString& /*contentType*/) {
+  return CString(DecodeBodyWide(body, std::move(charset), std::move(transferEncoding)));
 }
 
 }  // namespace mailslice::mime

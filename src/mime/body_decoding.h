@@ -5,6 +5,7 @@
 
 #include <mailslice/cstring.h>
 
+#include <string>
 #include <string_view>
 
 namespace mailslice::mime {
@@ -14,6 +15,12 @@ namespace mailslice::mime {
 // with no charset conversion.
 CString DecodeBodyText(const char* body, CString charset, CString transferEncoding,
                        const CString& contentType);
+// The same text, for a caller that goes on working on it. Given `page`, it receives the text
+// narrowed to the device code page as the HTML reader reads it, when that comes out of the
+// decoding (UTF-8 bodies on the single-byte code pages); else it is left empty.
+// With `pageOnly`, the wide text is left out (returned empty) whenever the page comes out.
+std::u16string DecodeBodyWide(const char* body, CString charset, CString transferEncoding,
+                              std::string* page = nullptr, bool pageOnly = false);
 
 // 8-bit text in `charset` (lower case) to wide text, by the rules of the device's language.
 CString ConvertBodyCharset(std::string_view text, const CString& charset);

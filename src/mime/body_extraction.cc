@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "html/html_to_text.h"
 #include "mime/attachment_markers.h"
 #include "mime/body_decoding.h"
 #include "mime/header_parameters.h"
@@ -17,6 +18,8 @@
 #include "mime/piece_text.h"
 #include "mime/text_memo.h"
 #include "platform/code_page.h"
+#include "platform/spare_buffers.h"
+#include "platform/white_space.h"
 
 namespace mailslice::mime {
 namespace {
@@ -25,7 +28,7 @@ constexpr int kEmbeddedMessageMessage = 1153;
 // Containers nested deeper than this are not entered: real mail nests a handful of levels,
 // and each level holds a copy of its parts.
 constexpr int kDeepestContainer = 24;
-constexpr std::string_view kDoctype = "<!DOCTYPE html>";
+constexpr std::u16string_view kDoctype = u"<!DOCTYPE html>";
 // POP3 fetchers leave their "+OK Y" reply at the end of the file.
 constexpr std::string_view kServerReply = "+OK Y";
 
@@ -96,14 +99,20 @@ CString BodyWalk::FromSinglePart(const char* text) const {
   const char* start = SinglePartBody(text, copy);
   CString contentType = GetContentType(text, 0);
   if (start != nullptr && start[0] == '\r' && start[1] == '\n') start += 2;
-  CString decoded = DecodeBodyText(start, GetCharSet(text), GetTransEncode(text), contentType);
-  if (contentType.CompareNoCase(u"text/html") == 0) return HtmlBodyToText(decoded, html_);
-  if (NamesApplication(contentType)) return CString();
   // A page sent without any Content-Type still opens with its doctype.
-  if (contentType.IsEmpty() && decoded.Left(static_cast<int>(kDoctype.size())) == kDoctype.data()) {
-    return HtmlBodyToText(decoded, html_);
+  bool html = contentType.CompareNoCase(u"text/html") == 0;
+  std::string page;
+  // The HTML reader may need the page alone: the wide text is then not made.
+  bool pageOnly = html && html_.save == 0 && !html::ReadsWideText();
+  std::u16string decoded =
+      DecodeBodyWide(start, GetCharSet(text), GetTransEncode(text),
+                     html || contentType.IsEmpty() ? &page : nullptr, pageOnly);
+  if (html || (contentType.IsEmpty() && decoded.starts_with(kDoctype))) {
+    return HtmlBodyToText(std::move(decoded), std::move(page), html_);
   }
-  return decoded;
+  platform::KeepSpare(std::move(page));
+  if (NamesApplication(contentType)) return CString();
+  return CString(std::move(decoded));
 }
 
 void BodyWalk::FromMultipart(CString& result, WalkedText text, const CString& boundary) {
@@ -220,13 +229,28 @@ void BodyWalk::ProcessPart(CString& result, WalkedText walked, const CString& bo
   if (IsAttachmentPart(part) == 1) return;
   HeapText body(GetMultiPartFirstBody(part));
   if (!body) return;
-  result = DecodeBodyText(body.get(), charset, transferEncoding, partType);
-  if (result.IsEmpty()) return;
-  result.Trim();
-  if (partType.CompareNoCase(u"text/html") == 0) {
-    result = HtmlBodyToText(result, html_);
+  bool html = partType.CompareNoCase(u"text/html") == 0;
+  std::string page;
+  std::u16string decoded =
+      DecodeBodyWide(body.get(), charset, transferEncoding, html ? &page : nullptr);
+  if (decoded.empty()) {
+    result.Empty();
+    return;
+  }
+  // The page holds a byte for each unit: it is trimmed at the same places.
+  platform::TrimmedRange kept = platform::Untrimmed(decoded);
+  decoded.resize(kept.end);
+  decoded.erase(0, kept.begin);
+  if (!page.empty()) {
+    page.resize(kept.end);
+    page.erase(0, kept.begin);
+  }
+  if (html) {
+    result = HtmlBodyToText(std::move(decoded), std::move(page), html_);
   } else if (NamesApplication(partType)) {
     result.Empty();  // an application part never shows as text
+  } else {
+    result = CString(std::move(decoded));
   }
 }
 

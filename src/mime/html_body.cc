@@ -1,6 +1,7 @@
 #include "mime/html_body.h"
 
 #include <string>
+#include <utility>
 
 #include "html/html_to_text.h"
 #include "platform/file_system.h"
@@ -12,9 +13,9 @@ namespace {
 constexpr char16_t kDefaultFileName[] = u"body.html";
 constexpr char16_t kHtmlExtension[] = u".html";
 
-void SaveSource(const CString& html, const CString& path) {
+void SaveSource(const std::u16string& html, const CString& path) {
   std::string target = path.ToUtf8();
-  std::string content = html.ToUtf8();
+  std::string content = CString(html).ToUtf8();
   platform::FileSystem& files = platform::Files();
   // Written beside the target and moved into place, so a reader never sees half a page.
   std::string partial = target + ".part";
@@ -41,12 +42,12 @@ CString HtmlSourcePath(const CString& fileName) {
   return CString::FromUtf8(*folder) + u"/" + name;
 }
 
-CString HtmlBodyToText(const CString& html, const HtmlArguments& arguments) {
+CString HtmlBodyToText(std::u16string html, std::string page, const HtmlArguments& arguments) {
   if (arguments.save != 0) {
     CString path = HtmlSourcePath(arguments.fileName);
     if (!path.IsEmpty()) SaveSource(html, path);
   }
-  return html::ConvertHtmlToText(html);
+  return html::ConvertHtmlToText(std::move(html), std::move(page));
 }
 
 }  // namespace mailslice::mime

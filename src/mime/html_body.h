@@ -5,6 +5,8 @@
 
 #include <mailslice/cstring.h>
 
+#include <string>
+
 namespace mailslice::mime {
 
 // The HTML arguments that the body exports pass through to the HTML conversion:
@@ -25,8 +27,9 @@ struct HtmlArguments {
 // no extension. Empty when the temporary folder cannot be had.
 CString HtmlSourcePath(const CString& fileName);
 
-// The readable text of an HTML body, after saving its source when asked.
-CString HtmlBodyToText(const CString& html, const HtmlArguments& arguments);
+// The readable text of an HTML body, after saving its source when asked; `page` is the body
+// narrowed for the HTML reader when the decoding gave it (see DecodeBodyWide), else empty.
+CString HtmlBodyToText(std::u16string html, std::string page, const HtmlArguments& arguments);
 
 }  // namespace mailslice::mime
 

@@ -265,9 +265,18 @@ std::u16string MultiByteToWide(unsigned codePage, std::string_view bytes) {
   return NamedToWide(IconvName(codePage), bytes);
 }
 
-AnsiReader::AnsiReader() : name_(IconvName(kAnsiCodePage)) {}
+AnsiReader::AnsiReader() : name_(IconvName(kAnsiCodePage)), fast_(name_, kExactConversions) {}
 
-std::u16string AnsiReader::Widen(std::string_view bytes) const { return NamedToWide(name_, bytes); }
+std::u16string AnsiReader::Widen(std::string_view bytes) const {
+  std::u16string wide;
+  AppendWidened(bytes, wide);
+  return wide;
+}
+
+void AnsiReader::AppendWidened(std::string_view bytes, std::u16string& wide) const {
+  size_t done = fast_.Append(bytes, wide);
+  if (done < bytes.size()) wide += IconvToWide(name_, bytes.substr(done));
+}
 
 std::string WideToMultiByte(unsigned codePage, std::u16string_view text) {
   std::string name = IconvName(codePage);
@@ -278,12 +287,16 @@ std::string WideToMultiByte(unsigned codePage, std::u16string_view text) {
 }
 
 std::string WideToMultiByteUntilFailure(std::u16string_view text) {
+  std::string narrow;
+  WideToMultiByteUntilFailure(text, narrow);
+  return narrow;
+}
+
+void WideToMultiByteUntilFailure(std::u16string_view text, std::string& narrow) {
   text = text.substr(0, FindUnit(text, u'\0'));
   std::string name = IconvName(kAnsiCodePage);
-  std::string narrow;
   size_t done = FastPrefixToNarrow(name, text, narrow, kExactConversions, true);
   if (done < text.size()) narrow += IconvToNarrowUntilFailure(name, text.substr(done));
-  return narrow;
 }
 
 std::u16string WideThroughAnsi(std::u16string text, bool untilFailure) {
@@ -304,11 +317,33 @@ std::u16string WideThroughAnsi(std::u16string text, bool untilFailure) {
 
 std::u16string Utf8ThroughAnsi(std::string_view utf8, bool untilFailure) {
   std::u16string shown;
+  Utf8ThroughAnsi(utf8, untilFailure, shown);
+  return shown;
+}
+
+void Utf8ThroughAnsi(std::string_view utf8, bool untilFailure, std::u16string& shown) {
   size_t taken =
       FastUtf8ThroughPage(IconvName(kAnsiCodePage), utf8, untilFailure, shown, kExactConversions);
-  if (taken == utf8.size()) return shown;
+  if (taken == utf8.size()) return;
   std::u16string rest = MultiByteToWide(kUtf8CodePage, utf8.substr(taken));
-  return shown.append(WideThroughAnsi(std::move(rest), untilFailure));
+  shown.append(WideThroughAnsi(std::move(rest), untilFailure));
+}
+
+size_t Utf8ThroughAnsi(std::string_view utf8, bool untilFailure, std::u16string& shown,
+                       char* narrowed) {
+  size_t narrowedCount = std::string::npos;
+  size_t taken = FastUtf8ThroughPage(IconvName(kAnsiCodePage), utf8, untilFailure, shown,
+                                     kExactConversions, narrowed, &narrowedCount);
+  if (taken == utf8.size()) return narrowedCount;
+  // The bytes written lie behind those taken: the rest is read as it came.
+  std::u16string rest = MultiByteToWide(kUtf8CodePage, utf8.substr(taken));
+  shown.append(WideThroughAnsi(std::move(rest), untilFailure));
+  return std::string::npos;
+}
+
+size_t Utf8ThroughAnsiPage(std::string_view utf8, bool untilFailure, char* page, size_t* written) {
+  return FastUtf8ToPage(IconvName(kAnsiCodePage), utf8, untilFailure, page, written,
+                        kExactConversions);
 }
 
 std::u16string AnsiToWide(std::string_view bytes) { return MultiByteToWide(kAnsiCodePage, bytes); }

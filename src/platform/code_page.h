@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+#include "platform/code_page_fast.h"
+
 namespace mailslice::platform {
 
 inline constexpr unsigned kAnsiCodePage = 0;
@@ -27,6 +29,8 @@ std::string WideToMultiByte(unsigned codePage, std::u16string_view text);
 // the first NUL or at the first character that the code page cannot hold, and what was
 // converted before it is the result (so such a character leaves the text short).
 std::string WideToMultiByteUntilFailure(std::u16string_view text);
+// The same, appended to `narrow` (whose room is used).
+void WideToMultiByteUntilFailure(std::u16string_view text, std::string& narrow);
 
 // Text in a charset that a message names ("utf-8", "ISO-2022-JP", "ks_c_5601-1987", ...), read
 // as MultiByteToWide reads a code page; nothing when the charset is unknown. Names are taken in
@@ -47,19 +51,38 @@ std::u16string WideThroughAnsi(std::u16string text, bool untilFailure);
 
 // UTF-8 text read as MultiByteToWide reads it, then passed through WideThroughAnsi.
 std::u16string Utf8ThroughAnsi(std::string_view utf8, bool untilFailure);
+// The same, appended to `shown` (whose room is used).
+void Utf8ThroughAnsi(std::string_view utf8, bool untilFailure, std::u16string& shown);
+// The same, also writing at `narrowed` what the appended text narrows to by
+// WideToMultiByteUntilFailure, when that comes out of the same pass, and returning the bytes
+// written; else npos (and the caller narrows the text itself, if it needs it). `narrowed` has
+// room for utf8.size() bytes; it may be utf8's own bytes or lie before them in the same buffer,
+// as each byte is written behind the bytes it came from.
+size_t Utf8ThroughAnsi(std::string_view utf8, bool untilFailure, std::u16string& shown,
+                       char* narrowed);
+
+// What the text Utf8ThroughAnsi makes of a start of `utf8` narrows to by
+// WideToMultiByteUntilFailure, without the text itself: written at `page` (room and placing as
+// for `narrowed` above), with *written set; returns the bytes of utf8 taken. AnsiToWide of the
+// bytes written gives that text back exactly, and Utf8ThroughAnsi of the rest of utf8 goes on
+// from it.
+size_t Utf8ThroughAnsiPage(std::string_view utf8, bool untilFailure, char* page, size_t* written);
 
 // Shorthands for the device ANSI code page.
 std::u16string AnsiToWide(std::string_view bytes);
 
 // Reads many short texts as AnsiToWide does, looking the device code page up once (for a text
-// made of thousands of pieces, such as the runs of an HTML page).
+// made of thousands of pieces, such as the runs of an HTML page), on the thread that made it.
 class AnsiReader {
  public:
   AnsiReader();
   std::u16string Widen(std::string_view bytes) const;
+  // Appends Widen(bytes) to `wide`.
+  void AppendWidened(std::string_view bytes, std::u16string& wide) const;
 
  private:
   std::string name_;
+  FastWidener fast_;
 };
 std::string WideToAnsi(std::u16string_view text);
 

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <memory>
 #include <optional>
+#include <type_traits>
 #include <vector>
 
 #include "platform/large_pages.h"
@@ -34,6 +35,9 @@ constexpr uint16_t kByteMask = 0xFF;
 // one plain unit).
 constexpr char16_t kLookCloser = 0xFFFF;
 constexpr size_t kUnitsPerBlock = 8;
+// UTF-8 writes the units below this one in two bytes (or one).
+constexpr char16_t kFirstThreeByteUnit = 0x800;
+constexpr size_t kTwoBytes = 2;
 
 bool IsContinuation(unsigned char byte) { return (byte & 0xC0) == 0x80; }
 bool IsSurrogate(char32_t unit) { return unit >= 0xD800 && unit <= 0xDFFF; }
@@ -62,6 +66,23 @@ size_t WidenAscii(const unsigned char* in, size_t size, char16_t* out) {
     out[done] = in[done];
     ++done;
   }
+  return done;
+}
+
+// The length of the run of ASCII bytes other than NUL at `in` (sixteen at a time as above).
+size_t AsciiRunWithoutNul(const unsigned char* in, size_t size) {
+  size_t done = 0;
+#ifdef __SSE2__
+  const __m128i zero = _mm_setzero_si128();
+  while (size - done >= kBlockBytes) {
+    __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + done));
+    auto other = static_cast<unsigned>(_mm_movemask_epi8(block)) |
+                 static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(block, zero)));
+    if (other != 0) return done + static_cast<size_t>(std::countr_zero(other));
+    done += kBlockBytes;
+  }
+#endif
+  while (done < size && in[done] < 0x80 && in[done] != 0) ++done;
   return done;
 }
 
@@ -127,13 +148,18 @@ size_t DecodeMultiByte(const unsigned char* in, size_t left, char16_t* out) {
   return 0;
 }
 
+struct NoNarrowing {};
+
 // Well-formed UTF-8 of the Basic Multilingual Plane, surrogates excepted; anything else
 // (malformed bytes, a character beyond the plane) is left to iconv. Each other unit than ASCII
 // goes through `map` (which may refuse it, ending the decoding before its bytes); with
 // `kStopAtNul` a NUL byte ends it too. The units are gathered in a small buffer handed to
 // `flush`, so a large result is written once, not cleared first. Returns the bytes decoded.
-template <bool kStopAtNul, typename Map, typename Flush>
-size_t DecodeUtf8InBlocks(std::string_view bytes, Map map, Flush flush) {
+// Given a `narrow`, it is told of each run of ASCII (Run) and each other unit as mapped (Unit)
+// as they are decoded.
+template <bool kStopAtNul, typename Map, typename Flush, typename Narrow = NoNarrowing>
+size_t DecodeUtf8InBlocks(std::string_view bytes, Map map, Flush flush, Narrow* narrow = nullptr) {
+  constexpr bool kNarrowing = !std::is_same_v<Narrow, NoNarrowing>;
   constexpr size_t kBufferUnits = 4096;
   char16_t buffer[kBufferUnits];
   const auto* in = reinterpret_cast<const unsigned char*>(bytes.data());
@@ -144,6 +170,7 @@ size_t DecodeUtf8InBlocks(std::string_view bytes, Map map, Flush flush) {
     while (at < size && filled < kBufferUnits) {
       size_t ascii = WidenAscii<kStopAtNul>(in + at, std::min(size - at, kBufferUnits - filled),
                                             buffer + filled);
+      if constexpr (kNarrowing) narrow->Run(in + at, ascii);
       at += ascii;
       filled += ascii;
       if (at == size || filled == kBufferUnits) continue;
@@ -154,6 +181,7 @@ size_t DecodeUtf8InBlocks(std::string_view bytes, Map map, Flush flush) {
         stopped = true;
         break;
       }
+      if constexpr (kNarrowing) narrow->Unit(*mapped);
       buffer[filled++] = *mapped;
       at += taken;
     }
@@ -168,6 +196,8 @@ size_t Utf8Prefix(std::string_view bytes, std::u16string& wide) {
       bytes, [](char16_t unit) { return std::optional<char16_t>(unit); },
       [&](const char16_t* units, size_t count) { wide.append(units, count); });
 }
+
+}  // namespace
 
 // What iconv makes of each character of one single-byte code page, asked once per byte and
 // once per wide character met.
@@ -212,15 +242,21 @@ class SingleBytePage {
     for (; at < text.size(); ++at) {
       if (asciiBothWays_) at += NarrowAscii(text.data() + at, text.size() - at, out + at);
       if (at == text.size()) break;
-      char16_t unit = text[at];
-      if (IsSurrogate(unit)) break;
-      uint16_t byte = narrow_[unit];
-      if (byte == kNotAsked) byte = narrow_[unit] = Ask(unit);
-      if (byte == kNotSingleByte || (untilFailure && (byte & kRefused) != 0)) break;
-      out[at] = static_cast<char>(byte & kByteMask);
+      std::optional<char> byte = Narrowed(text[at], untilFailure);
+      if (!byte) break;
+      out[at] = *byte;
     }
     narrow.resize(start + at);
     return at;
+  }
+
+  // The byte `unit` narrows to, as ToNarrow narrows it; nothing where ToNarrow stops.
+  std::optional<char> Narrowed(char16_t unit, bool untilFailure) {
+    if (IsSurrogate(unit)) return std::nullopt;
+    uint16_t byte = narrow_[unit];
+    if (byte == kNotAsked) byte = narrow_[unit] = Ask(unit);
+    if (byte == kNotSingleByte || (untilFailure && (byte & kRefused) != 0)) return std::nullopt;
+    return static_cast<char>(byte & kByteMask);
   }
 
   // Rewrites `units` in place as they read once narrowed and widened back, up to the first
@@ -261,6 +297,29 @@ class SingleBytePage {
 
   bool AsciiBothWays() const { return asciiBothWays_; }
 
+  // The byte `shown` narrows to, when that byte reads back as `shown` itself.
+  std::optional<char> ReadBackByte(char16_t shown) {
+    std::optional<char> byte = Narrowed(shown, true);
+    if (!byte) return std::nullopt;
+    auto index = static_cast<unsigned char>(*byte);
+    return single_[index] && wide_[index] == shown ? byte : std::nullopt;
+  }
+
+  // The page byte of a unit of two UTF-8 bytes (below U+0800: the accented letters of Europe,
+  // Greek, Cyrillic): the byte its shown unit narrows to and reads back from, as FastUtf8ToPage
+  // asks. Kept in a small table, which stays in the processor's nearest cache where the large
+  // ones do not.
+  std::optional<char> PageByteOfTwoByteUnit(char16_t unit, bool untilFailure) {
+    uint16_t& known = twoBytePage_[untilFailure ? 1 : 0][unit];
+    if (known == kNotAsked) {
+      std::optional<char16_t> shown = ShownAs(unit, untilFailure);
+      std::optional<char> byte = shown ? ReadBackByte(*shown) : std::nullopt;
+      known = byte ? static_cast<unsigned char>(*byte) : kNotSingleByte;
+    }
+    if (known == kNotSingleByte) return std::nullopt;
+    return static_cast<char>(known);
+  }
+
   // What `unit` shows as, noted in the table when it is a plain mapping; nothing when the
   // fast path cannot tell (or, setting `cut`, when it narrows to NUL).
   std::optional<char16_t> ShownAs(char16_t unit, bool untilFailure, bool& cut) {
@@ -300,6 +359,36 @@ class SingleBytePage {
   // first unit the page cannot hold), filled as units are met.
   std::vector<char16_t> shown_[2] = {std::vector<char16_t>(0x10000, kLookCloser),
                                      std::vector<char16_t>(0x10000, kLookCloser)};
+  std::array<std::array<uint16_t, kFirstThreeByteUnit>, 2> twoBytePage_ = [] {
+    std::array<std::array<uint16_t, kFirstThreeByteUnit>, 2> table;
+    for (auto& half : table) half.fill(kNotAsked);
+    return table;
+  }();
+};
+
+namespace {
+
+// Writes what the units of a UTF-8 text narrow to, as WideToMultiByteUntilFailure narrows them,
+// while the text is decoded: ASCII stays itself. The narrowing stops at the first unit it
+// cannot narrow (the bytes are given up there, while the decoding goes on). Each byte is
+// written once its unit is read, and no further on than that unit's bytes.
+struct PageWriter {
+  SingleBytePage& page;
+  char* out;
+  size_t written = 0;
+  bool whole = true;
+
+  void Run(const unsigned char* ascii, size_t count) {
+    if (whole) std::memmove(out + written, ascii, count);
+    written += count;
+  }
+
+  void Unit(char16_t unit) {
+    std::optional<char> byte = page.Narrowed(unit, true);
+    whole = whole && byte.has_value();
+    if (whole) out[written] = *byte;
+    ++written;
+  }
 };
 
 bool IsSingleBytePage(const std::string& name) {
@@ -321,9 +410,16 @@ SingleBytePage& PageFor(const std::string& name, const ExactConversions& exact) 
 
 size_t FastPrefixToWide(const std::string& iconvName, std::string_view bytes, std::u16string& wide,
                         const ExactConversions& exact) {
-  if (iconvName == kUtf8Name) return Utf8Prefix(bytes, wide);
-  if (!IsSingleBytePage(iconvName)) return 0;
-  return PageFor(iconvName, exact).ToWide(bytes, wide);
+  return FastWidener(iconvName, exact).Append(bytes, wide);
+}
+
+FastWidener::FastWidener(const std::string& iconvName, const ExactConversions& exact)
+    : utf8_(iconvName == kUtf8Name),
+      page_(IsSingleBytePage(iconvName) ? &PageFor(iconvName, exact) : nullptr) {}
+
+size_t FastWidener::Append(std::string_view bytes, std::u16string& wide) const {
+  if (utf8_) return Utf8Prefix(bytes, wide);
+  return page_ != nullptr ? page_->ToWide(bytes, wide) : 0;
 }
 
 size_t FastPrefixToNarrow(const std::string& iconvName, std::u16string_view text,
@@ -336,6 +432,38 @@ size_t FastPrefixToNarrow(const std::string& iconvName, std::u16string_view text
 
 namespace mailslice::platform {
 
+size_t FastUtf8ToPage(const std::string& iconvName, std::string_view utf8, bool untilFailure,
+                      char* page, size_t* written, const ExactConversions& exact) {
+  *written = 0;
+  if (!IsSingleBytePage(iconvName)) return 0;
+  SingleBytePage& table = PageFor(iconvName, exact);
+  if (!table.AsciiBothWays()) return 0;
+  const auto* in = reinterpret_cast<const unsigned char*>(utf8.data());
+  size_t at = 0, out = 0;
+  while (at < utf8.size()) {
+    // ASCII is its own byte; the run is moved down over what was read (page may lie on utf8).
+    size_t ascii = AsciiRunWithoutNul(in + at, utf8.size() - at);
+    std::memmove(page + out, in + at, ascii);
+    at += ascii;
+    out += ascii;
+    if (at == utf8.size() || in[at] < 0x80) break;  // the end, or a NUL
+    char16_t unit = 0;
+    size_t taken = DecodeMultiByte(in + at, utf8.size() - at, &unit);
+    std::optional<char> byte;
+    if (taken == kTwoBytes) {
+      byte = table.PageByteOfTwoByteUnit(unit, untilFailure);
+    } else if (taken != 0) {
+      std::optional<char16_t> shown = table.ShownAs(unit, untilFailure);
+      if (shown) byte = table.ReadBackByte(*shown);
+    }
+    if (!byte) break;
+    page[out++] = *byte;
+    at += taken;
+  }
+  *written = out;
+  return at;
+}
+
 size_t FastRoundTrip(const std::string& iconvName, std::u16string& text, bool untilFailure,
                      bool& cut, const ExactConversions& exact) {
   cut = false;
@@ -344,14 +472,23 @@ size_t FastRoundTrip(const std::string& iconvName, std::u16string& text, bool un
 }
 
 size_t FastUtf8ThroughPage(const std::string& iconvName, std::string_view utf8, bool untilFailure,
-                           std::u16string& shown, const ExactConversions& exact) {
+                           std::u16string& shown, const ExactConversions& exact, char* narrowed,
+                           size_t* narrowedCount) {
+  if (narrowedCount != nullptr) *narrowedCount = std::string::npos;
   if (!IsSingleBytePage(iconvName)) return 0;
   SingleBytePage& page = PageFor(iconvName, exact);
   if (!page.AsciiBothWays()) return 0;
   ReserveLarge(shown, shown.size() + utf8.size());
-  return DecodeUtf8InBlocks<true>(
-      utf8, [&](char16_t unit) { return page.ShownAs(unit, untilFailure); },
-      [&](const char16_t* units, size_t count) { shown.append(units, count); });
+  auto map = [&](char16_t unit) { return page.ShownAs(unit, untilFailure); };
+  if (narrowed == nullptr) {
+    return DecodeUtf8InBlocks<true>(
+        utf8, map, [&](const char16_t* units, size_t count) { shown.append(units, count); });
+  }
+  PageWriter writer{page, narrowed};
+  size_t taken = DecodeUtf8InBlocks<true>(
+      utf8, map, [&](const char16_t* units, size_t count) { shown.append(units, count); }, &writer);
+  *narrowedCount = writer.whole ? writer.written : std::string::npos;
+  return taken;
 }
 
 }  // namespace mailslice::platform

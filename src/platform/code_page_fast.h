@@ -26,6 +26,20 @@ struct ExactConversions {
 size_t FastPrefixToWide(const std::string& iconvName, std::string_view bytes, std::u16string& wide,
                         const ExactConversions& exact);
 
+class SingleBytePage;
+
+// FastPrefixToWide for many texts in one code page, which is looked up once (for the thousands
+// of text runs of an HTML page). Used on the thread that made it.
+class FastWidener {
+ public:
+  FastWidener(const std::string& iconvName, const ExactConversions& exact);
+  size_t Append(std::string_view bytes, std::u16string& wide) const;
+
+ private:
+  bool utf8_;
+  SingleBytePage* page_;  // null for a page without a fast path
+};
+
 // Appends to `narrow` the conversion of the longest start of `text` that the fast path
 // converts exactly (a character the code page cannot hold becomes what iconv makes of it, or,
 // with `untilFailure`, ends the prefix); returns the number of units taken.
@@ -41,9 +55,23 @@ size_t FastRoundTrip(const std::string& iconvName, std::u16string& text, bool un
 
 // UTF-8 decoded as FastPrefixToWide decodes it and passed through FastRoundTrip in one pass.
 // Appends the result of the longest start it converts exactly (one without NUL) to `shown`
-// and returns the bytes taken.
+// and returns the bytes taken. Given `narrowed` (room for utf8.size() bytes, which may be
+// utf8's own or lie before them in the same buffer: each byte is written behind the bytes it
+// came from), writes there what that result narrows to, as FastPrefixToNarrow narrows it
+// stopping at the first unit the page cannot hold, and sets *narrowedCount to the bytes
+// written, or to npos when the whole result does not narrow so.
 size_t FastUtf8ThroughPage(const std::string& iconvName, std::string_view utf8, bool untilFailure,
-                           std::u16string& shown, const ExactConversions& exact);
+                           std::u16string& shown, const ExactConversions& exact,
+                           char* narrowed = nullptr, size_t* narrowedCount = nullptr);
+
+// FastUtf8ThroughPage's result kept only as the bytes it narrows to (as there), for a reader
+// of the bytes alone: writes them at `page` (same room and placing as `narrowed` there), sets
+// *written, and returns the bytes of utf8 taken. It stops before the first character that would
+// end FastUtf8ThroughPage, whose shown unit does not narrow, or whose byte does not read back
+// as that unit: the text of the bytes taken is thus exactly the bytes written read back
+// through the page.
+size_t FastUtf8ToPage(const std::string& iconvName, std::string_view utf8, bool untilFailure,
+                      char* page, size_t* written, const ExactConversions& exact);
 
 }  // namespace mailslice::platform
 

@@ -7,16 +7,14 @@
 
 #include "platform/code_page.h"
 #include "platform/letter_case.h"
+#include "platform/white_space.h"
 #include "platform/wide_search.h"
 
 namespace {
 
+using mailslice::platform::IsTrimmedSpace;
 using mailslice::platform::ToLowerLetter;
 using mailslice::platform::ToUpperLetter;
-
-bool IsTrimmedSpace(char16_t ch) {
-  return ch == u' ' || ch == u'\t' || ch == u'\r' || ch == u'\n' || ch == u'\v' || ch == u'\f';
-}
 
 std::u16string_view Terminated(const char16_t* text) {
   return text == nullptr ? std::u16string_view() : std::u16string_view(text);

@@ -7,6 +7,7 @@ namespace {
 class NoHtmlEngine final : public HtmlEngine {
  public:
   std::optional<std::u16string> BodyText(std::u16string_view) override { return std::nullopt; }
+  bool MakesDocuments() const override { return false; }
 };
 
 }  // namespace

@@ -16,6 +16,9 @@ class HtmlEngine {
   // Nothing when the engine could not make a document of the markup; an empty text when the
   // document has no body element; otherwise the body's text as the engine renders it.
   virtual std::optional<std::u16string> BodyText(std::u16string_view markup) = 0;
+  // False for a host without an engine, whose BodyText never makes a document: a caller then
+  // need not prepare the markup for it.
+  virtual bool MakesDocuments() const { return true; }
 };
 
 // The engine of this host.

@@ -10,6 +10,7 @@ namespace mailslice::platform {
 namespace {
 
 constexpr size_t kUnitsPerBlock = 8;
+constexpr size_t kMostUnitsAtOnce = 3;
 
 }  // namespace
 
@@ -27,6 +28,31 @@ size_t FindUnit(std::u16string_view text, char16_t unit, size_t from) {
 #endif
   for (; at < text.size(); ++at) {
     if (text[at] == unit) return at;
+  }
+  return std::u16string_view::npos;
+}
+
+size_t FindAnyUnit(std::u16string_view text, std::u16string_view units, size_t from) {
+  if (units.empty() || units.size() > kMostUnitsAtOnce) return text.find_first_of(units, from);
+  if (from >= text.size()) return std::u16string_view::npos;
+  size_t at = from;
+#ifdef __SSE2__
+  // A set of fewer than three repeats its first unit, which finds nothing more.
+  const __m128i first = _mm_set1_epi16(static_cast<int16_t>(units[0]));
+  const __m128i second = _mm_set1_epi16(static_cast<int16_t>(units[units.size() > 1 ? 1 : 0]));
+  const __m128i third = _mm_set1_epi16(static_cast<int16_t>(units[units.size() - 1]));
+  while (text.size() - at >= kUnitsPerBlock) {
+    __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text.data() + at));
+    __m128i found =
+        _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi16(block, first), _mm_cmpeq_epi16(block, second)),
+                     _mm_cmpeq_epi16(block, third));
+    auto hits = static_cast<unsigned>(_mm_movemask_epi8(found));
+    if (hits != 0) return at + static_cast<size_t>(std::countr_zero(hits)) / 2;
+    at += kUnitsPerBlock;
+  }
+#endif
+  for (; at < text.size(); ++at) {
+    if (units.find(text[at]) != std::u16string_view::npos) return at;
   }
   return std::u16string_view::npos;
 }

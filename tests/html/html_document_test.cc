@@ -140,33 +140,17 @@ TEST(HtmlDocumentTest, CollectsTheTextOfTheLowerCaseBody) {
 // Reading the body text straight from the page gives what the element list gives, on pages
 // built from the pieces where the reader has its quirks.
 TEST(HtmlDocumentTest, ReadingTheBodyTextDirectlyMatchesTheElementList) {
-  const std::string pieces[] = {"<body>",
-                                "</body>",
-                                "<BODY>",
-                                "<body bgcolor=red TEXT=navy>",
-                                "<p class=x>",
-                                " text ",
-                                "<td\tclass='a>b'>",
-                                "<!-- note -->",
-                                "<!---->",
-                                "<script>// hidden</script>",
-                                "a < 3",
-                                "x<<y",
-                                "<br />",
-                                "&amp; &lt;",
-                                "<" + std::string(70, 'q') + ">",
-                                "<>",
-                                "\xFF",
-                                "<img TEXT src=\"i.png\">",
-                                "<font TEXTx='caf\xE9'>",
-                                "<p =v>",
-                                "<a href=x<b>",
-                                "\r\n",
-                                "  ",
-                                "<!-- open",
-                                "<body/>",
-                                "<unknown tag>",
-                                "\xE9t\xE9"};
+  const std::string pieces[] = {
+      "<body>", "</body>", "<BODY>", "<body bgcolor=red TEXT=navy>", "<p class=x>", " text ",
+      "<td\tclass='a>b'>", "<!-- note -->", "<!---->", "<script>// hidden</script>", "a < 3",
+      "x<<y", "<br />", "&amp; &lt;", "<" + std::string(70, 'q') + ">", "<>", "\xFF",
+      "<img TEXT src=\"i.png\">", "<font TEXTx='caf\xE9'>", "<p =v>", "<a href=x<b>", "\r\n", "  ",
+      "<!-- open", "<body/>", "<unknown tag>", "\xE9t\xE9",
+      // Values and names longer than the reader's search blocks.
+      "<td style=\"font-family:Helvetica,Arial,sans-serif;x<y\" TEXT='a "
+      "long line of text that runs on < and on'>",
+      "<a href=https://news.example.com/?utm_source=newsletter&amp;u=1>",
+      "<font TEXTlong-attribute-name-that-runs-past-a-block=v>"};
   std::mt19937 random(515);
   for (int round = 0; round < 1500; ++round) {
     std::string page;

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <optional>
 #include <string>
 
 #include "support/test_support.h"
@@ -104,6 +106,36 @@ TEST(BodyPiecesTest, SinglePartFirstPartAndRemainingBody) {
   EXPECT_EQ(GetRemainBody(u"--BODY--: \r\nhello\r\n--ATTACHMENT--:a.txt"), u"hello");
   EXPECT_EQ(GetRemainBody(u"--BODY--:hello world"), u"hello wor");  // last two characters go
   EXPECT_EQ(GetRemainBody(u"no markers"), u"");
+}
+
+// Saving the source needs the body's wide text, which the reading alone can do without: the
+// reading is the same either way, on a page that holds the body's letters and on one that
+// does not, for a single-part page and for the HTML part of an alternative.
+TEST(BodyExtractionTest, HtmlBodiesReadTheSameWhetherTheirSourceIsSavedOrNot) {
+  testing::ScratchFolder scratch;
+  testing::ScopedEnv temp("MAILSLICE_TEMP", scratch.path().string());
+  const std::string source = "<body><p>Caf\xC3\xA9 &amp; cr\xC3\xA8me \xE2\x82\xAC</p> ok</body>";
+  const std::string encoded = "<body><p>Caf=C3=A9 &amp; cr=C3=A8me =E2=82=AC</p> o=\r\nk</body>";
+  const std::string header =
+      "Content-Type: text/html; charset=utf-8\r\nContent-Transfer-Encoding: quoted-printable";
+  const std::string messages[] = {
+      header + "\r\n\r\n" + encoded,
+      Mixed("B", Typed("text/plain", "plain") + Part("B", header, "  " + encoded + " \r\n"),
+            "multipart/alternative")};
+  for (const char* page : {"CP1252", "CP1251", "CP932"}) {
+    testing::ScopedEnv codePage("MAILSLICE_CODEPAGE", page);
+    for (const std::string& message : messages) {
+      std::filesystem::remove(scratch.path() / "saved.html");
+      CString read = Read(message);
+      CString saved = GetReadingBody(WalkedText(message.c_str()), nullptr,
+                                     HtmlArguments{u"saved.html", 1, 0, 0});
+      EXPECT_EQ(saved, read) << page;
+      EXPECT_FALSE(read.IsEmpty());
+      std::optional<std::string> file = testing::Contents((scratch.path() / "saved.html").string());
+      ASSERT_TRUE(file.has_value());
+      EXPECT_NE(file->find("Caf"), std::string::npos) << page;
+    }
+  }
 }
 
 TEST(BodyExtractionTest, HostileMessagesFinish) {

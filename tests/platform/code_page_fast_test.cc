@@ -163,5 +163,57 @@ TEST(CodePageFastTest, Utf8ThroughTheDevicePageMatchesTheStepsOneByOne) {
   }
 }
 
+// The narrowed page that comes out of the same pass is the shown text narrowed as the HTML
+// reader narrows it, whenever the pass gives one.
+TEST(CodePageFastTest, Utf8ThroughTheDevicePageNarrowsAsTheNarrowingAfterIt) {
+  std::mt19937 random(1999);
+  const std::string pieces[] = {
+      std::string(100, 'x'), "caf\xC3\xA9 ", "\xC5\x9A", "\xE2\x82\xAC",
+      "\xE6\x97\xA5",        "\xC3",         "\r\n",     std::string(1, '\0')};
+  for (const char* page : {"CP1250", "CP1251", "CP1252", "CP932"}) {
+    ScopedEnv codePage("MAILSLICE_CODEPAGE", page);
+    int narrowedInPass = 0, wholePages = 0;
+    for (int round = 0; round < 200; ++round) {
+      std::string text;
+      size_t length = random() % 9000;
+      while (text.size() < length) {
+        text += pieces[random() % 64 == 0 ? random() % std::size(pieces) : random() % 3];
+      }
+      for (bool untilFailure : {false, true}) {
+        // Written into a buffer of its own, and over the UTF-8 text itself.
+        std::string room(text.size(), 'z'), over = text;
+        std::u16string shown, shownOver;
+        size_t count = Utf8ThroughAnsi(text, untilFailure, shown, room.data());
+        size_t countOver = Utf8ThroughAnsi(over, untilFailure, shownOver, over.data());
+        ASSERT_EQ(shown, Utf8ThroughAnsi(text, untilFailure)) << page << " " << round;
+        ASSERT_EQ(shownOver, shown);
+        ASSERT_EQ(countOver, count);
+        if (count == std::string::npos) continue;
+        ++narrowedInPass;
+        std::string narrowed = WideToMultiByteUntilFailureThroughIconv(shown);
+        ASSERT_EQ(room.substr(0, count), narrowed) << page << " " << round;
+        ASSERT_EQ(over.substr(0, count), narrowed);
+      }
+      // The page alone: the text read back from it and the rest read on make the whole text.
+      for (bool untilFailure : {false, true}) {
+        std::string alone = text;
+        size_t written = 0;
+        size_t taken = Utf8ThroughAnsiPage(alone, untilFailure, alone.data(), &written);
+        std::string bytes = alone.substr(0, written);
+        std::u16string start = Utf8ThroughAnsi(text.substr(0, taken), untilFailure);
+        ASSERT_EQ(AnsiToWide(bytes), start) << page << " " << round;
+        ASSERT_EQ(bytes, WideToMultiByteUntilFailureThroughIconv(start)) << page << " " << round;
+        ASSERT_EQ(start + Utf8ThroughAnsi(text.substr(taken), untilFailure),
+                  Utf8ThroughAnsi(text, untilFailure));
+        if (taken == text.size()) ++wholePages;
+      }
+    }
+    if (std::string_view(page) != "CP932") {
+      EXPECT_GT(narrowedInPass, 50) << page;
+      EXPECT_GT(wholePages, 50) << page;
+    }
+  }
+}
+
 }  // namespace
 }  // namespace mailslice::platform

@@ -26,6 +26,10 @@ TEST(WideSearchTest, FindsWhatTheStandardSearchFinds) {
           ASSERT_EQ(FindUnits(view, needle, from), view.find(needle, from));
           ASSERT_EQ(FindUnit(view, needle[0], from), view.find(needle[0], from));
         }
+        for (std::u16string_view units : {u"&<>", u"<>", u"\xFFFF", u"a\0"}) {
+          std::u16string_view view(text);
+          ASSERT_EQ(FindAnyUnit(view, units, from), view.find_first_of(units, from));
+        }
       }
     }
   }

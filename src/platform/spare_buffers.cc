@@ -1,0 +1,63 @@
+#include "platform/spare_buffers.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "platform/large_pages.h"
+
+namespace mailslice::platform {
+namespace {
+
+// A larger buffer goes back to the host: a rare body of many megabytes does not hold its memory
+// for the small ones after it, and a thread never keeps more than 16 MB between bodies (four
+// buffers), usually 2 to 3 MB after an HTML body of 1 MB.
+constexpr size_t kMostKeptBytes = size_t{4} << 20;
+constexpr size_t kMostRoomPerSize = 2;
+
+// Two of each kind: a body's decoded bytes and its narrowed page are in use at the same time.
+constexpr size_t kKeptOfEachKind = 2;
+
+template <typename String>
+std::array<String, kKeptOfEachKind>& Kept() {
+  thread_local std::array<String, kKeptOfEachKind> kept;
+  return kept;
+}
+
+template <typename String>
+String Take(size_t size) {
+  String taken;
+  for (String& kept : Kept<String>()) {
+    if (kept.capacity() >= size && kept.capacity() / kMostRoomPerSize <= size) {
+      taken.swap(kept);
+      break;
+    }
+  }
+  taken.clear();
+  ReserveLarge(taken, size);
+  return taken;
+}
+
+// Replaces the kept buffer with the least room, when `buffer` has more.
+template <typename String>
+void Keep(String buffer) {
+  auto& kept = Kept<String>();
+  size_t bytes = buffer.capacity() * sizeof(typename String::value_type);
+  String& least = *std::min_element(kept.begin(), kept.end(), [](const String& a, const String& b) {
+    return a.capacity() < b.capacity();
+  });
+  if (bytes > kMostKeptBytes || buffer.capacity() <= least.capacity()) return;
+  least = std::move(buffer);
+}
+
+}  // namespace
+
+std::string TakeSpareBytes(size_t size) { return Take<std::string>(size); }
+
+std::u16string TakeSpareWide(size_t size) { return Take<std::u16string>(size); }
+
+void KeepSpare(std::string buffer) { Keep(std::move(buffer)); }
+
+void KeepSpare(std::u16string buffer) { Keep(std::move(buffer)); }
+
+}  // namespace mailslice::platform

@@ -1,0 +1,39 @@
+// The white space that CString's Trim removes, for code that trims wide text in place.
+#ifndef MAILSLICE_PLATFORM_WHITE_SPACE_H
+#define MAILSLICE_PLATFORM_WHITE_SPACE_H
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace mailslice::platform {
+
+// Space, tab, CR, LF, vertical tab and form feed.
+constexpr bool IsTrimmedSpace(char16_t ch) {
+  return ch == u' ' || ch == u'\t' || ch == u'\r' || ch == u'\n' || ch == u'\v' || ch == u'\f';
+}
+
+// Where the text that CString's Trim leaves of `text` begins and ends.
+struct TrimmedRange {
+  size_t begin;
+  size_t end;
+};
+
+inline TrimmedRange Untrimmed(std::u16string_view text) {
+  size_t end = text.size();
+  while (end > 0 && IsTrimmedSpace(text[end - 1])) --end;
+  size_t begin = 0;
+  while (begin < end && IsTrimmedSpace(text[begin])) ++begin;
+  return {begin, end};
+}
+
+// What CString's Trim leaves of `text`, done in place.
+inline void TrimSpaces(std::u16string& text) {
+  TrimmedRange kept = Untrimmed(text);
+  text.resize(kept.end);
+  text.erase(0, kept.begin);
+}
+
+}  // namespace mailslice::platform
+
+#endif  // MAILSLICE_PLATFORM_WHITE_SPACE_H
