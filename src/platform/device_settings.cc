@@ -64,7 +64,11 @@ std::optional<std::string> KeptVariable(const char* name) {
 
 int DeviceType() { return IntegerVariable("MAILSLICE_DEVICE_TYPE", 0); }
 
-int LanguageCode() { return IntegerVariable("MAILSLICE_LANGUAGE", 1); }
+int LanguageCode() {
+  if (g_scope == nullptr) return IntegerVariable("MAILSLICE_LANGUAGE", 1);
+  if (!g_scope->languageCode_) g_scope->languageCode_ = IntegerVariable("MAILSLICE_LANGUAGE", 1);
+  return *g_scope->languageCode_;
+}
 
 std::string CodePageNameForLanguage(int languageCode) {
   switch (languageCode) {
@@ -84,8 +88,13 @@ std::string CodePageNameForLanguage(int languageCode) {
 }
 
 std::string AnsiCodePageName() {
-  if (auto name = Variable("MAILSLICE_CODEPAGE")) return *name;
-  return CodePageNameForLanguage(LanguageCode());
+  auto workOut = [] {
+    if (auto name = Variable("MAILSLICE_CODEPAGE")) return *name;
+    return CodePageNameForLanguage(LanguageCode());
+  };
+  if (g_scope == nullptr) return workOut();
+  if (!g_scope->codePageName_) g_scope->codePageName_ = workOut();
+  return *g_scope->codePageName_;
 }
 
 std::optional<std::string> MessagesFolder() { return Variable("MAILSLICE_MESSAGES"); }

@@ -23,8 +23,13 @@ class SettingsScope {
 
  private:
   friend std::optional<std::string> KeptVariable(const char* name);
+  friend int LanguageCode();
+  friend std::string AnsiCodePageName();
   bool outermost_;
   std::vector<std::pair<const char*, std::optional<std::string>>> read_;  // names are constants
+  // The two settings every conversion asks for, as worked out from the variables.
+  std::optional<int> languageCode_;
+  std::optional<std::string> codePageName_;
 };
 
 // The environment variable `name` (a constant), empty counting as unset; kept while a

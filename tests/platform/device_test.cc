@@ -88,13 +88,17 @@ TEST(DeviceTest, ASettingsScopeKeepsWhatItReadUntilItEnds) {
   {
     mailslice::platform::SettingsScope call;
     EXPECT_EQ(device.GetCurrentLanguageCode(), 81);
+    EXPECT_EQ(mailslice::platform::AnsiCodePageName(), "CP932");
     ScopedEnv changed("MAILSLICE_LANGUAGE", "82");
+    ScopedEnv page("MAILSLICE_CODEPAGE", "CP1252");
+    EXPECT_EQ(mailslice::platform::AnsiCodePageName(), "CP932");
     ScopedEnv type("MAILSLICE_DEVICE_TYPE", "3");  // not read before: read now
     mailslice::platform::SettingsScope nested;
     EXPECT_EQ(device.GetCurrentLanguageCode(), 81);
     EXPECT_EQ(device.GetCurrentDeviceType(), 3);
   }
   EXPECT_EQ(device.GetCurrentLanguageCode(), 81);  // `changed` is gone again
+  EXPECT_EQ(mailslice::platform::AnsiCodePageName(), "CP932");
   ScopedEnv later("MAILSLICE_LANGUAGE", "7");
   EXPECT_EQ(device.GetCurrentLanguageCode(), 7);
 }
