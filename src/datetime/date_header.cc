@@ -126,10 +126,20 @@ std::optional<CalendarTime> UniversalTime(DateFields fields) {
   return platform::FromOleDate(*date);
 }
 
-CString Padded(const char16_t* format, int value) {
-  CString text;
-  text.Format(format, value);
-  return text;
+// printf's "%0<width>d": the digits, after a minus sign, filled with zeros to `width`.
+CString Padded(size_t width, int value) {
+  std::u16string text;
+  long long rest = value;
+  bool negative = rest < 0;
+  if (negative) rest = -rest;
+  do {
+    text.push_back(static_cast<char16_t>(u'0' + rest % 10));
+    rest /= 10;
+  } while (rest != 0);
+  while (text.size() + (negative ? 1 : 0) < width) text.push_back(u'0');
+  if (negative) text.push_back(u'-');
+  std::reverse(text.begin(), text.end());
+  return CString(std::move(text));
 }
 
 void WriteBack(const std::optional<CalendarTime>& time, DateFields fields) {
@@ -140,12 +150,12 @@ void WriteBack(const std::optional<CalendarTime>& time, DateFields fields) {
     }
     return;
   }
-  fields[kYearField] = Padded(u"%04d", time->year);
-  fields[kMonthField] = Padded(u"%02d", time->month);
-  fields[kDayField] = Padded(u"%02d", time->day);
-  fields[kHourField] = Padded(u"%02d", time->hour);
-  fields[kMinuteField] = Padded(u"%02d", time->minute);
-  fields[kSecondField] = Padded(u"%02d", time->second);
+  fields[kYearField] = Padded(4, time->year);
+  fields[kMonthField] = Padded(2, time->month);
+  fields[kDayField] = Padded(2, time->day);
+  fields[kHourField] = Padded(2, time->hour);
+  fields[kMinuteField] = Padded(2, time->minute);
+  fields[kSecondField] = Padded(2, time->second);
 }
 
 }  // namespace
