@@ -109,9 +109,8 @@ void DecodeVectorBlocks(Decoding& d) {
   if (blocks.anyEscape) d.error = 1;
 }
 
-// `buffer` holds strlen(text) + 1 bytes; `cleared` says it is all zeros already.
-char* DecodeInto(unsigned char* buffer, bool cleared, const char* text, size_t size, int* length,
-                 int* error) {
+// `buffer` holds strlen(text) + 1 bytes, all zeros.
+char* DecodeInto(unsigned char* buffer, const char* text, size_t size, int* length, int* error) {
   const auto* in = reinterpret_cast<const unsigned char*>(text);
   Decoding d{in, in + size, buffer, buffer};
   bool cut = false;
@@ -129,10 +128,8 @@ char* DecodeInto(unsigned char* buffer, bool cleared, const char* text, size_t s
       DecodeEscape(d);
     } while (d.in < d.end && *d.in == '=');
   }
-  // The block copies may have written behind the output's end: that is cleared, and the NUL
-  // written where the buffer was not cleared beforehand.
-  unsigned char* clearTo = std::max(d.written, cleared ? d.out : d.out + 1);
-  std::memset(d.out, 0, static_cast<size_t>(clearTo - d.out));
+  // The block copies may have written behind the output's end: that is cleared again.
+  if (d.written > d.out) std::memset(d.out, 0, static_cast<size_t>(d.written - d.out));
   if (error != nullptr) *error = d.error;
   if (cut) return reinterpret_cast<char*>(buffer);
   if (length != nullptr) {
@@ -151,12 +148,12 @@ char* DecodeQuotedPrintable(const char* text, int* length, int* error) {
   // Cleared: the caller gets all size + 1 bytes, zeros behind the decoded text.
   auto* buffer = static_cast<unsigned char*>(std::calloc(size + 1, 1));
   if (buffer == nullptr) return nullptr;
-  return DecodeInto(buffer, true, text, size, length, error);
+  return DecodeInto(buffer, text, size, length, error);
 }
 
 void DecodeQuotedPrintableBody(const char* text, size_t size, std::string& decoded) {
   decoded.assign(size + 1, '\0');
-  DecodeInto(reinterpret_cast<unsigned char*>(decoded.data()), true, text, size, nullptr, nullptr);
+  DecodeInto(reinterpret_cast<unsigned char*>(decoded.data()), text, size, nullptr, nullptr);
 }
 
 }  // namespace mailslice::codec

@@ -239,12 +239,8 @@ void BodyWalk::ProcessPart(CString& result, WalkedText walked, const CString& bo
   }
   // The page holds a byte for each unit: it is trimmed at the same places.
   platform::TrimmedRange kept = platform::Untrimmed(decoded);
-  decoded.resize(kept.end);
-  decoded.erase(0, kept.begin);
-  if (!page.empty()) {
-    page.resize(kept.end);
-    page.erase(0, kept.begin);
-  }
+  platform::KeepOnly(decoded, kept);
+  if (!page.empty()) platform::KeepOnly(page, kept);
   if (html) {
     result = HtmlBodyToText(std::move(decoded), std::move(page), html_);
   } else if (NamesApplication(partType)) {

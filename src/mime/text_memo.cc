@@ -55,8 +55,8 @@ const char* TextMemo::FindWord(const char* text, const std::string& word) {
   TextMemo* memo = Holding(text);
   if (memo == nullptr) return std::strstr(text, word.c_str());
   // The answers of a piece of the standing memo's text are kept by the standing memo.
-  TextMemo* keeper = memo->answers_ == &memo->found_ ? memo : g_standing;
-  return Find(text, keeper->words_.insert(word).first->c_str());
+  TextMemo* keeper = memo->KeptByStanding() ? g_standing : memo;
+  return Find(memo, text, keeper->words_.insert(word).first->c_str());
 }
 
 TextMemo::KeptWalk* TextMemo::KeptWalkOf(const char* text, std::string_view delimiter) {
@@ -64,7 +64,7 @@ TextMemo::KeptWalk* TextMemo::KeptWalkOf(const char* text, std::string_view deli
   size_t length = kNotMeasured;
   if (text == g_standing->text_) length = g_standing->length_;
   for (TextMemo* memo = g_latest; memo != nullptr && length == kNotMeasured; memo = memo->outer_) {
-    if (memo->text_ == text && memo->answers_ != &memo->found_) length = memo->length_;
+    if (memo->text_ == text && memo->KeptByStanding()) length = memo->length_;
   }
   if (length == kNotMeasured) return nullptr;
   auto offset = static_cast<size_t>(text - g_standing->text_);
@@ -95,11 +95,15 @@ size_t TextMemo::Length(const char* text) {
 }
 
 const char* TextMemo::Find(const char* text, const char* needle) {
-  if (Holding(text) == nullptr) return std::strstr(text, needle);
+  TextMemo* memo = Holding(text);
+  return memo == nullptr ? std::strstr(text, needle) : Find(memo, text, needle);
+}
+
+const char* TextMemo::Find(TextMemo* memo, const char* text, const char* needle) {
   // Within the length the memo knows, which for the standing memo is the whole text.
-  return Find(text, needle, [&]() -> const char* {
-    std::string_view whole(text, Length(text));
-    size_t at = codec::FindSubstring(whole, needle);
+  return memo->Answer(needle, [&]() -> const char* {
+    if (memo->length_ == kNotMeasured) memo->length_ = std::strlen(text);
+    size_t at = codec::FindSubstring(std::string_view(text, memo->length_), needle);
     return at == std::string_view::npos ? nullptr : text + at;
   });
 }

@@ -70,11 +70,7 @@ class TextMemo {
   template <typename Search>
   static const char* Find(const char* text, std::string_view key, Search search) {
     TextMemo* memo = Holding(text);
-    if (memo == nullptr) return search();
-    if (const auto* known = memo->Known(key)) return known->second;
-    const char* at = search();
-    memo->answers_->emplace_back(key, at);
-    return at;
+    return memo == nullptr ? search() : memo->Answer(key, search);
   }
 
  private:
@@ -82,6 +78,18 @@ class TextMemo {
   // The standing memo, when it holds `text` as a whole (`length` unknown, or its own).
   static TextMemo* StandingFor(const char* text, size_t length);
   const std::pair<std::string_view, const char*>* Known(std::string_view key) const;
+  // strstr(text, needle) for the text `memo` holds, remembered there.
+  static const char* Find(TextMemo* memo, const char* text, const char* needle);
+  // The answer remembered under `key`, found by `search` the first time.
+  template <typename Search>
+  const char* Answer(std::string_view key, Search search) {
+    if (const auto* known = Known(key)) return known->second;
+    const char* at = search();
+    answers_->emplace_back(key, at);
+    return at;
+  }
+  // Whether this memo's answers are kept by the standing memo: it holds a piece of its text.
+  bool KeptByStanding() const { return answers_ != &found_; }
 
   using Answers = std::vector<std::pair<std::string_view, const char*>>;
   // Where the answers about a piece of the standing memo's text are kept, so that every walk

@@ -182,13 +182,8 @@ class LinuxFileSystem final : public FileSystem {
   }
 
   std::unique_ptr<File> CreateNewOrdinary(const std::string& path, ErrorCode* error) override {
-    int descriptor = open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
-    if (descriptor < 0) {
-      *error = LastErrno();
-      return nullptr;
-    }
-    *error = kErrorSuccess;
-    return std::make_unique<PosixFile>(descriptor, true);
+    return Adopt(open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666),
+                 error, true);
   }
 
   ErrorCode Copy(const std::string& from, const std::string& to) override {
@@ -278,13 +273,13 @@ class LinuxFileSystem final : public FileSystem {
     return Adopt(open(path.c_str(), flags, mode), error);
   }
 
-  static std::unique_ptr<PosixFile> Adopt(int descriptor, ErrorCode* error) {
+  static std::unique_ptr<PosixFile> Adopt(int descriptor, ErrorCode* error, bool ordinary = false) {
     if (descriptor < 0) {
       *error = LastErrno();
       return nullptr;
     }
     *error = kErrorSuccess;
-    return std::make_unique<PosixFile>(descriptor);
+    return std::make_unique<PosixFile>(descriptor, ordinary);
   }
 
   // Copies the whole of `source` (`size` bytes when known) into a new file beside `to`, named

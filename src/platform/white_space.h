@@ -27,12 +27,15 @@ inline TrimmedRange Untrimmed(std::u16string_view text) {
   return {begin, end};
 }
 
-// What CString's Trim leaves of `text`, done in place.
-inline void TrimSpaces(std::u16string& text) {
-  TrimmedRange kept = Untrimmed(text);
+// Cuts `text` down to `kept`, in place.
+template <typename Text>
+void KeepOnly(Text& text, TrimmedRange kept) {
   text.resize(kept.end);
   text.erase(0, kept.begin);
 }
+
+// What CString's Trim leaves of `text`, done in place.
+inline void TrimSpaces(std::u16string& text) { KeepOnly(text, Untrimmed(text)); }
 
 }  // namespace mailslice::platform
 
