@@ -21,6 +21,11 @@ struct FileStatus {
   int64_t accessTime = 0;
   uint64_t size = 0;
   bool isFolder = false;
+  // Which file it is, and when its status last changed (nanoseconds as above): with the size
+  // and modification time, what tells whether a file is still the one read before.
+  uint64_t device = 0;
+  uint64_t inode = 0;
+  int64_t changeTime = 0;
 };
 
 // An open file; closed when destroyed.
@@ -28,6 +33,8 @@ class File {
  public:
   virtual ~File() = default;
   virtual std::optional<uint64_t> Size() = 0;
+  // The open file's status (its times, size and identity); none where the host cannot tell.
+  virtual std::optional<FileStatus> Status() { return std::nullopt; }
   // Reads until `size` bytes or the end of the file; `*got` is the number read.
   virtual ErrorCode Read(void* buffer, size_t size, size_t* got) = 0;
   virtual ErrorCode Write(const void* data, size_t size) = 0;
@@ -89,6 +96,8 @@ class ScopedFileSystem {
 
 // The whole content of a file, or nothing when it cannot be opened or read.
 std::optional<std::string> ReadWholeFile(const std::string& path);
+// The rest of an open file, or nothing when it cannot be read.
+std::optional<std::string> ReadRest(File& file);
 
 // The folder part of a path: everything up to its last '/' or '\' (empty when there is none).
 std::string FolderOf(const std::string& path);

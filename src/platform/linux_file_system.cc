@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <random>
+#include <utility>
 
 #include "platform/file_system.h"
 
@@ -56,6 +57,27 @@ namespace {
 
 ErrorCode LastErrno() { return ErrorCodeFromErrno(errno); }
 
+int64_t Nanoseconds(const statx_timestamp& time) {
+  return static_cast<int64_t>(time.tv_sec) * 1'000'000'000 + time.tv_nsec;
+}
+
+FileStatus StatusOf(const struct statx& status) {
+  FileStatus result;
+  // Where the file system records no birth time, the status-change time stands in for the
+  // creation time: it is set when the file is made and moves only when its inode changes.
+  result.creationTime =
+      Nanoseconds((status.stx_mask & STATX_BTIME) != 0 ? status.stx_btime : status.stx_ctime);
+  result.modificationTime = Nanoseconds(status.stx_mtime);
+  result.accessTime = Nanoseconds(status.stx_atime);
+  result.size = status.stx_size;
+  result.isFolder = S_ISDIR(status.stx_mode);
+  result.device = (static_cast<uint64_t>(status.stx_dev_major) << 32) | status.stx_dev_minor;
+  result.inode = status.stx_ino;
+  result.changeTime = Nanoseconds(status.stx_ctime);
+  return result;
+}
+
+
 class PosixFile final : public File {
  public:
   explicit PosixFile(int descriptor, bool ordinary = false)
@@ -63,10 +85,23 @@ class PosixFile final : public File {
   ~PosixFile() override { Close(); }
 
   std::optional<uint64_t> Size() override {
+    if (openedSize_) return std::exchange(openedSize_, std::nullopt);
     struct stat status;
     if (fstat(descriptor_, &status) != 0) return std::nullopt;
     return static_cast<uint64_t>(status.st_size);
   }
+
+  std::optional<FileStatus> Status() override {
+    struct statx status;
+    if (statx(descriptor_, "", AT_EMPTY_PATH, STATX_BASIC_STATS | STATX_BTIME, &status) != 0) {
+      return std::nullopt;
+    }
+    return StatusOf(status);
+  }
+
+  // The size the file had when it was opened, which the first Size() answers without asking
+  // again: a message is measured right after it is opened.
+  void NoteOpenedSize(uint64_t size) { openedSize_ = size; }
 
   ErrorCode Read(void* buffer, size_t size, size_t* got) override {
     *got = 0;
@@ -109,11 +144,8 @@ class PosixFile final : public File {
   int descriptor_;
   bool ordinary_;
   uint64_t written_ = 0;
+  std::optional<uint64_t> openedSize_;
 };
-
-int64_t Nanoseconds(const statx_timestamp& time) {
-  return static_cast<int64_t>(time.tv_sec) * 1'000'000'000 + time.tv_nsec;
-}
 
 // The folder a host path names its file in.
 std::string ContainingFolder(const std::string& path) {
@@ -168,12 +200,15 @@ class LinuxFileSystem final : public FileSystem {
   static std::unique_ptr<PosixFile> OpenFileForReading(const std::string& path, ErrorCode* error) {
     int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
     struct stat status;
-    if (descriptor >= 0 && fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode)) {
+    bool measured = descriptor >= 0 && fstat(descriptor, &status) == 0;
+    if (measured && S_ISDIR(status.st_mode)) {
       close(descriptor);
       descriptor = -1;
       errno = EISDIR;
     }
-    return Adopt(descriptor, error);
+    auto file = Adopt(descriptor, error);
+    if (file && measured) file->NoteOpenedSize(static_cast<uint64_t>(status.st_size));
+    return file;
   }
 
   // Opened for reading too, so that CloseAndCopy can copy from it without opening it again.
@@ -243,16 +278,7 @@ class LinuxFileSystem final : public FileSystem {
     if (statx(AT_FDCWD, path.c_str(), 0, STATX_BASIC_STATS | STATX_BTIME, &status) != 0) {
       return std::nullopt;
     }
-    FileStatus result;
-    // Where the file system records no birth time, the status-change time stands in for the
-    // creation time: it is set when the file is made and moves only when its inode changes.
-    result.creationTime =
-        Nanoseconds((status.stx_mask & STATX_BTIME) != 0 ? status.stx_btime : status.stx_ctime);
-    result.modificationTime = Nanoseconds(status.stx_mtime);
-    result.accessTime = Nanoseconds(status.stx_atime);
-    result.size = status.stx_size;
-    result.isFolder = S_ISDIR(status.stx_mode);
-    return result;
+    return StatusOf(status);
   }
 
   ErrorCode MakeFolders(const std::string& path, bool privateToUser) override {
@@ -361,11 +387,15 @@ std::optional<std::string> ReadWholeFile(const std::string& path) {
   ErrorCode error = kErrorSuccess;
   auto file = Files().OpenForReading(path, &error);
   if (!file) return std::nullopt;
+  return ReadRest(*file);
+}
+
+std::optional<std::string> ReadRest(File& file) {
   std::string content;
   std::array<char, 1 << 16> block;
   // A read that fills less than the block has met the end of the file.
   for (size_t got = block.size(); got == block.size();) {
-    if (file->Read(block.data(), block.size(), &got) != kErrorSuccess) return std::nullopt;
+    if (file.Read(block.data(), block.size(), &got) != kErrorSuccess) return std::nullopt;
     content.append(block.data(), got);
   }
   return content;

@@ -9,6 +9,7 @@
 
 #include "platform/device_settings.h"
 #include "platform/file_system.h"
+#include "platform/kept_file.h"
 
 namespace mailslice::platform::registry {
 namespace {
@@ -45,7 +46,10 @@ class Store {
     auto location = RegistryPath();
     if (!location) return false;
     path_ = *location;
-    auto content = ReadWholeFile(path_);
+    // The store is read on every call (the clock setting is asked for each time shown) and
+    // hardly ever changes: the last read is kept while the file stays as it was.
+    thread_local KeptFile kept;
+    const std::string* content = kept.Read(path_);
     // Only a store that cannot be read is asked whether it is there at all.
     if (!content) return !Files().Exists(path_);
     Parse(*content);
