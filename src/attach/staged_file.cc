@@ -6,8 +6,8 @@ namespace mailslice::attach {
 namespace {
 
 // Empty when the temporary folder cannot be had.
-std::string TempFilePath(bool& closed) {
-  std::optional<std::string> folder = platform::PrivateTempFolder(&closed);
+std::string TempFilePath(bool& movable) {
+  std::optional<std::string> folder = platform::PrivateTempFolder(&movable);
   return folder ? *folder + "/" + kTempFileName : std::string();
 }
 
@@ -17,13 +17,13 @@ using platform::ErrorCode;
 using platform::Files;
 
 StagedFile::StagedFile() {
-  bool closed = false;
-  path_ = TempFilePath(closed);
+  bool movable = false;
+  path_ = TempFilePath(movable);
   if (path_.empty()) return;
   // In a folder no other user can enter, the file is private however it is made: it gets the
   // ordinary mode of a new file, so that it can become the saved file as it is.
   auto create = [&](ErrorCode* error) {
-    return closed ? Files().CreateNewOrdinary(path_, error) : Files().CreateNew(path_, error);
+    return movable ? Files().CreateNewOrdinary(path_, error) : Files().CreateNew(path_, error);
   };
   ErrorCode error = platform::kErrorSuccess;
   file_ = create(&error);

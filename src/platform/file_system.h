@@ -50,8 +50,9 @@ class FileSystem {
   // a link someone planted) is already at the path.
   virtual std::unique_ptr<File> CreateNew(const std::string& path, ErrorCode* error) = 0;
   // As CreateNew, but with the mode any new file gets (the user's umask applies), for a file
-  // built in a folder that no other user can enter: such a file may later be moved to its
-  // destination as it is (see CloseAndCopy). Hosts that cannot tell create it as CreateNew does.
+  // built in a folder that no other user can enter and that gives its files nothing of its
+  // own (see PrivateTempFolder): such a file may later be moved to its destination as it is
+  // (see CloseAndCopy). Hosts that cannot tell create it as CreateNew does.
   virtual std::unique_ptr<File> CreateNewOrdinary(const std::string& path, ErrorCode* error) {
     return CreateNew(path, error);
   }

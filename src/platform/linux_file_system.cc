@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "platform/file_system.h"
+#include "platform/folder_acl.h"
 
 namespace mailslice::platform {
 
@@ -76,7 +77,6 @@ FileStatus StatusOf(const struct statx& status) {
   result.changeTime = Nanoseconds(status.stx_ctime);
   return result;
 }
-
 
 class PosixFile final : public File {
  public:
@@ -154,31 +154,20 @@ std::string ContainingFolder(const std::string& path) {
   return slash == 0 ? "/" : path.substr(0, slash);
 }
 
-// Whether a new file in `folder` has its access shaped by the folder's default ACL rather
-// than by the umask. A file system without ACLs has none.
-bool HasDefaultAcl(const std::string& folder) {
-  if (getxattr(folder.c_str(), "system.posix_acl_default", nullptr, 0) >= 0) return true;
-  return errno != ENODATA && errno != ENOTSUP;
-}
-
-// Whether moving `file` (made at `path` by CreateNewOrdinary) to `to` gives what a copy would:
-// a new file of the destination's folder, with the mode the umask gives (neither folder has a
-// default ACL), the group a new file there gets, on the same file system, and nothing else
-// attached to it (an ACL, a security label) that would go with it.
-bool MovesAsCopied(int file, const std::string& path, const std::string& to) {
-  struct stat made;
-  if (fstat(file, &made) != 0) return false;
+// Whether moving `file`, made by CreateNewOrdinary in a folder that gives its files nothing of
+// its own (mode from the umask, the creator's group, no ACL), to `to` gives the file a copy
+// would: a new file of the destination's folder is such a file too when that folder has no
+// default ACL and gives its files the creator's group, and nothing else is attached to the
+// file (a security label) that would go with it. A move to another file system fails by
+// itself, and the file is copied then.
+bool MovesAsCopied(int file, const std::string& to) {
   ssize_t attributes = flistxattr(file, nullptr, 0);
   if (attributes > 0 || (attributes < 0 && errno != ENOTSUP)) return false;
   std::string folder = ContainingFolder(to);
   struct stat destination;
-  if (stat(folder.c_str(), &destination) != 0 || !S_ISDIR(destination.st_mode) ||
-      destination.st_dev != made.st_dev) {
-    return false;
-  }
-  gid_t group = (destination.st_mode & S_ISGID) != 0 ? destination.st_gid : getegid();
-  if (made.st_gid != group) return false;
-  return !HasDefaultAcl(folder) && !HasDefaultAcl(ContainingFolder(path));
+  if (stat(folder.c_str(), &destination) != 0 || !S_ISDIR(destination.st_mode)) return false;
+  if ((destination.st_mode & S_ISGID) != 0 && destination.st_gid != getegid()) return false;
+  return !GivesDefaultAcl(folder, destination);
 }
 
 // A name beside `path` that nobody uses yet, for building a file before it takes its place.
@@ -239,7 +228,7 @@ class LinuxFileSystem final : public FileSystem {
       return FileSystem::CloseAndCopy(source, sourcePath, to, moved);
     }
     // A move creates no second file, which on a busy file system costs more than the copy.
-    if (created->ordinary() && MovesAsCopied(created->descriptor(), sourcePath, to)) {
+    if (created->ordinary() && MovesAsCopied(created->descriptor(), to)) {
       if (ErrorCode closed = created->Close(); closed != kErrorSuccess) return closed;
       if (rename(sourcePath.c_str(), to.c_str()) == 0) {
         *moved = true;

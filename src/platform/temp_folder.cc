@@ -5,6 +5,7 @@
 
 #include "platform/device_settings.h"
 #include "platform/file_system.h"
+#include "platform/folder_acl.h"
 
 namespace mailslice::platform {
 namespace {
@@ -12,34 +13,34 @@ namespace {
 constexpr mode_t kGroupAndOtherBits = 077;
 
 // True when `path` is a real folder (not a link) owned by this user; `tighten` takes away any
-// access of other users.
-// access of other users. `*closed` says whether other users have none.
-bool IsOwnFolder(const std::string& path, bool tighten, bool& closed) {
+// access of other users. `*movable` says whether its files may leave it as they are made.
+bool IsOwnFolder(const std::string& path, bool tighten, bool& movable) {
   struct stat status;
   if (lstat(path.c_str(), &status) != 0 || !S_ISDIR(status.st_mode)) return false;
   if (status.st_uid != geteuid()) return false;
-  closed = (status.st_mode & kGroupAndOtherBits) == 0;
+  bool closed = (status.st_mode & kGroupAndOtherBits) == 0;
   if (tighten && !closed) {
     if (chmod(path.c_str(), 0700) != 0) return false;
     closed = true;
   }
+  movable = closed && (status.st_mode & S_ISGID) == 0 && !GivesDefaultAcl(path, status);
   return true;
 }
 
 }  // namespace
 
-std::optional<std::string> PrivateTempFolder(bool* closed) {
-  bool closedToOthers = false;
+std::optional<std::string> PrivateTempFolder(bool* movable) {
+  bool movableFiles = false;
   auto chosen = TempFolderSetting();
   // A folder the user chose keeps its mode; the default one in a shared place is made private.
   std::string path = chosen ? *chosen : HostTempRoot() + "/mailslice-" + std::to_string(geteuid());
   while (path.size() > 1 && path.back() == '/') path.pop_back();
   // The folder is usually there from the last call: one look spares creating it and its parents.
-  if (!IsOwnFolder(path, !chosen, closedToOthers)) {
+  if (!IsOwnFolder(path, !chosen, movableFiles)) {
     if (Files().MakeFolders(path, true) != kErrorSuccess) return std::nullopt;
-    if (!IsOwnFolder(path, !chosen, closedToOthers)) return std::nullopt;
+    if (!IsOwnFolder(path, !chosen, movableFiles)) return std::nullopt;
   }
-  if (closed != nullptr) *closed = closedToOthers;
+  if (movable != nullptr) *movable = movableFiles;
   return path;
 }
 

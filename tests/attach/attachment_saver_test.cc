@@ -4,6 +4,7 @@
 #include <mailslice/exports.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <cstdint>
@@ -207,6 +208,22 @@ TEST(AttachmentSaverTest, TemporaryFileAndDestination) {
   EXPECT_FALSE(scratch.Holds("blocked") || scratch.Holds("a") || scratch.Holds("nowhere"));
 }
 
+// Gives `folder` the default ACL "user::rw-, group::---, other::---"; false where the file
+// system keeps no ACLs.
+bool SetOwnerOnlyDefaultAcl(const std::string& folder) {
+  struct Entry {
+    uint16_t tag, permissions;
+    uint32_t id;
+  };
+  constexpr uint16_t kUserObject = 0x01, kGroupObject = 0x04, kOther = 0x20;
+  constexpr uint32_t kNoId = 0xFFFFFFFF;
+  struct {
+    uint32_t version = 2;
+    Entry entries[3] = {{kUserObject, 6, kNoId}, {kGroupObject, 0, kNoId}, {kOther, 0, kNoId}};
+  } acl;
+  return setxattr(folder.c_str(), "system.posix_acl_default", &acl, sizeof acl, 0) == 0;
+}
+
 // Whether the temporary file is moved to the destination or copied there, the saved file is
 // the one a copy makes: the mode the umask gives a new file, the group of the folder's files.
 TEST(AttachmentSaverTest, SavedFileIsANewFileOfItsFolder) {
@@ -233,7 +250,20 @@ TEST(AttachmentSaverTest, SavedFileIsANewFileOfItsFolder) {
       EXPECT_FALSE(scratch.HoldsTempFile());
     }
   }
-  // A folder whose files take its group: the saved file has it too.
+  // A folder whose default ACL gives its files their access: the saved file has that access,
+  // not the umask's (owner only here).
+  {
+    Umask scoped(022);
+    SaveScratch scratch;
+    std::string shaped = scratch.Path("shaped");
+    fs::create_directories(shaped);
+    if (SetOwnerOnlyDefaultAcl(shaped)) {
+      ASSERT_EQ(kSavers[0].save("aGVsbG8=", shaped + "/out"), 1);
+      EXPECT_EQ(modeOf(shaped + "/out"), 0600u);
+    }
+  }
+  // A folder whose files take its group: the saved file has it too; a temporary folder whose
+  // files take its group gives the saved file nothing of it.
   SaveScratch scratch;
   std::string shared = scratch.Path("shared");
   fs::create_directories(shared);
@@ -244,6 +274,11 @@ TEST(AttachmentSaverTest, SavedFileIsANewFileOfItsFolder) {
   struct stat status {};
   ASSERT_EQ(stat((shared + "/out").c_str(), &status), 0);
   EXPECT_EQ(status.st_gid, 4242u);
+  mailslice::testing::ScopedEnv temp("MAILSLICE_TEMP", shared);
+  ASSERT_EQ(chmod(shared.c_str(), 02700), 0);
+  ASSERT_EQ(kSavers[0].save("aGVsbG8=", scratch.Path("plain")), 1);
+  ASSERT_EQ(stat(scratch.Path("plain").c_str(), &status), 0);
+  EXPECT_EQ(status.st_gid, getegid());
 }
 
 // The copy to the destination reads the temporary file from its start, also where the kernel
