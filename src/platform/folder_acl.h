@@ -1,20 +1,15 @@
-// Whether a folder hands its new files a default ACL, asked once per folder while the folder
-// stays as it was: every save asks it of the temporary folder and of the destination's folder.
+// Whether a folder hands its new files a default ACL.
 #ifndef MAILSLICE_PLATFORM_FOLDER_ACL_H
 #define MAILSLICE_PLATFORM_FOLDER_ACL_H
-
-#include <sys/stat.h>
 
 #include <string>
 
 namespace mailslice::platform {
 
-// Whether new files in `folder` (whose status is `status`, taken just now) get their access
-// from the folder's default ACL rather than from the umask. A file system without ACLs has
-// none. Setting or removing an ACL moves the folder's change time, so the answer is kept while
-// the folder's identity and change time are those of the last asking and that change lies
-// well before it.
-bool GivesDefaultAcl(const std::string& folder, const struct stat& status);
+// Whether new files in `folder` get their access from the folder's default ACL rather than
+// from the umask. A file system without ACLs has none. (A folder's change time cannot tell
+// whether this answer still holds: it moves with every file made or removed in the folder.)
+bool GivesDefaultAcl(const std::string& folder);
 
 }  // namespace mailslice::platform
 

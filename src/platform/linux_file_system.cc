@@ -167,7 +167,7 @@ bool MovesAsCopied(int file, const std::string& to) {
   struct stat destination;
   if (stat(folder.c_str(), &destination) != 0 || !S_ISDIR(destination.st_mode)) return false;
   if ((destination.st_mode & S_ISGID) != 0 && destination.st_gid != getegid()) return false;
-  return !GivesDefaultAcl(folder, destination);
+  return !GivesDefaultAcl(folder);
 }
 
 // A name beside `path` that nobody uses yet, for building a file before it takes its place.

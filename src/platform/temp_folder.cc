@@ -13,8 +13,9 @@ namespace {
 constexpr mode_t kGroupAndOtherBits = 077;
 
 // True when `path` is a real folder (not a link) owned by this user; `tighten` takes away any
-// access of other users. `*movable` says whether its files may leave it as they are made.
-bool IsOwnFolder(const std::string& path, bool tighten, bool& movable) {
+// access of other users. `*movable`, when asked for, says whether its files may leave it as
+// they are made.
+bool IsOwnFolder(const std::string& path, bool tighten, bool* movable) {
   struct stat status;
   if (lstat(path.c_str(), &status) != 0 || !S_ISDIR(status.st_mode)) return false;
   if (status.st_uid != geteuid()) return false;
@@ -23,24 +24,24 @@ bool IsOwnFolder(const std::string& path, bool tighten, bool& movable) {
     if (chmod(path.c_str(), 0700) != 0) return false;
     closed = true;
   }
-  movable = closed && (status.st_mode & S_ISGID) == 0 && !GivesDefaultAcl(path, status);
+  if (movable != nullptr) {
+    *movable = closed && (status.st_mode & S_ISGID) == 0 && !GivesDefaultAcl(path);
+  }
   return true;
 }
 
 }  // namespace
 
 std::optional<std::string> PrivateTempFolder(bool* movable) {
-  bool movableFiles = false;
   auto chosen = TempFolderSetting();
   // A folder the user chose keeps its mode; the default one in a shared place is made private.
   std::string path = chosen ? *chosen : HostTempRoot() + "/mailslice-" + std::to_string(geteuid());
   while (path.size() > 1 && path.back() == '/') path.pop_back();
   // The folder is usually there from the last call: one look spares creating it and its parents.
-  if (!IsOwnFolder(path, !chosen, movableFiles)) {
+  if (!IsOwnFolder(path, !chosen, movable)) {
     if (Files().MakeFolders(path, true) != kErrorSuccess) return std::nullopt;
-    if (!IsOwnFolder(path, !chosen, movableFiles)) return std::nullopt;
+    if (!IsOwnFolder(path, !chosen, movable)) return std::nullopt;
   }
-  if (movable != nullptr) *movable = movableFiles;
   return path;
 }
 
