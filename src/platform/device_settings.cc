@@ -6,25 +6,41 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <utility>
-#include <vector>
+#include <string_view>
 
 namespace mailslice::platform {
 namespace {
 
+constexpr std::array<std::string_view, static_cast<size_t>(Setting::kCount)> kVariableNames = {
+    "MAILSLICE_DEVICE_TYPE",
+    "MAILSLICE_LANGUAGE",
+    "MAILSLICE_CODEPAGE",
+    "MAILSLICE_MESSAGES",
+    "MAILSLICE_REGISTRY",
+    "MAILSLICE_TEMP",
+    "XDG_CONFIG_HOME",
+    "HOME",
+    "TMPDIR"};
+static_assert(kVariableNames.size() <= EnvironmentNames::kMaxNames);
+constexpr EnvironmentNames kNames(kVariableNames);
+
 thread_local SettingsScope* g_scope = nullptr;
 
-std::optional<std::string> ReadVariable(const char* name) {
-  const char* value = std::getenv(name);
-  if (value == nullptr || *value == '\0') return std::nullopt;
-  return std::string(value);
+// Runs `read` in the open scope, or in a scope of its own for a call made outside any.
+template <typename Read>
+auto InScope(Read read) {
+  if (g_scope != nullptr) return read(*g_scope);
+  SettingsScope scope;
+  return read(scope);
 }
 
-std::optional<std::string> Variable(const char* name) { return KeptVariable(name); }
+std::optional<std::string> Variable(Setting setting) {
+  return InScope([setting](SettingsScope& scope) { return scope.Variable(setting); });
+}
 
 // A setting that is not a whole number falls back to its default.
-int IntegerVariable(const char* name, int fallback) {
-  auto text = Variable(name);
+int IntegerVariable(SettingsScope& scope, Setting setting, int fallback) {
+  const auto& text = scope.Variable(setting);
   if (!text) return fallback;
   errno = 0;
   char* end = nullptr;
@@ -37,7 +53,7 @@ int IntegerVariable(const char* name, int fallback) {
 }
 
 std::optional<std::string> HomeFolder() {
-  if (auto home = Variable("HOME")) return home;
+  if (auto home = Variable(Setting::kHome)) return home;
   if (const passwd* entry = getpwuid(getuid()); entry != nullptr && entry->pw_dir != nullptr) {
     return std::string(entry->pw_dir);
   }
@@ -54,20 +70,30 @@ SettingsScope::~SettingsScope() {
   if (outermost_) g_scope = nullptr;
 }
 
-std::optional<std::string> KeptVariable(const char* name) {
-  if (g_scope == nullptr) return ReadVariable(name);
-  for (const auto& [known, value] : g_scope->read_) {
-    if (std::strcmp(known, name) == 0) return value;
+const std::optional<std::string>& SettingsScope::Variable(Setting setting) {
+  auto index = static_cast<size_t>(setting);
+  uint32_t bit = uint32_t{1} << index;
+  if ((kept_ & bit) == 0) {
+    // A setting first asked for after the pass is read again only when the environment has
+    // changed since, which nothing but the caller's own code within a scope can do.
+    if (!pass_.Unchanged(environ)) pass_.Read(kNames, environ);
+    const char* value = pass_.Value(index);
+    if (value != nullptr && *value != '\0') variables_[index].emplace(value);
+    kept_ |= bit;
   }
-  return g_scope->read_.emplace_back(name, ReadVariable(name)).second;
+  return variables_[index];
 }
 
-int DeviceType() { return IntegerVariable("MAILSLICE_DEVICE_TYPE", 0); }
+int DeviceType() {
+  return InScope(
+      [](SettingsScope& scope) { return IntegerVariable(scope, Setting::kDeviceType, 0); });
+}
 
 int LanguageCode() {
-  if (g_scope == nullptr) return IntegerVariable("MAILSLICE_LANGUAGE", 1);
-  if (!g_scope->languageCode_) g_scope->languageCode_ = IntegerVariable("MAILSLICE_LANGUAGE", 1);
-  return *g_scope->languageCode_;
+  return InScope([](SettingsScope& scope) {
+    if (!scope.languageCode_) scope.languageCode_ = IntegerVariable(scope, Setting::kLanguage, 1);
+    return *scope.languageCode_;
+  });
 }
 
 std::string CodePageNameForLanguage(int languageCode) {
@@ -88,26 +114,26 @@ std::string CodePageNameForLanguage(int languageCode) {
 }
 
 std::string AnsiCodePageName() {
-  auto workOut = [] {
-    if (auto name = Variable("MAILSLICE_CODEPAGE")) return *name;
-    return CodePageNameForLanguage(LanguageCode());
-  };
-  if (g_scope == nullptr) return workOut();
-  if (!g_scope->codePageName_) g_scope->codePageName_ = workOut();
-  return *g_scope->codePageName_;
+  return InScope([](SettingsScope& scope) {
+    if (!scope.codePageName_) {
+      const auto& name = scope.Variable(Setting::kCodePage);
+      scope.codePageName_ = name ? *name : CodePageNameForLanguage(LanguageCode());
+    }
+    return *scope.codePageName_;
+  });
 }
 
-std::optional<std::string> MessagesFolder() { return Variable("MAILSLICE_MESSAGES"); }
+std::optional<std::string> MessagesFolder() { return Variable(Setting::kMessages); }
 
 std::optional<std::string> RegistryPath() {
-  if (auto path = Variable("MAILSLICE_REGISTRY")) return path;
-  if (auto config = Variable("XDG_CONFIG_HOME")) return *config + "/mailslice/registry.reg";
+  if (auto path = Variable(Setting::kRegistry)) return path;
+  if (auto config = Variable(Setting::kConfigHome)) return *config + "/mailslice/registry.reg";
   if (auto home = HomeFolder()) return *home + "/.config/mailslice/registry.reg";
   return std::nullopt;
 }
 
-std::optional<std::string> TempFolderSetting() { return Variable("MAILSLICE_TEMP"); }
+std::optional<std::string> TempFolderSetting() { return Variable(Setting::kTemp); }
 
-std::string HostTempRoot() { return Variable("TMPDIR").value_or("/tmp"); }
+std::string HostTempRoot() { return Variable(Setting::kTempRoot).value_or("/tmp"); }
 
 }  // namespace mailslice::platform

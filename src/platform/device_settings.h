@@ -4,16 +4,34 @@
 #ifndef MAILSLICE_PLATFORM_DEVICE_SETTINGS_H
 #define MAILSLICE_PLATFORM_DEVICE_SETTINGS_H
 
+#include <array>
+#include <cstdint>
 #include <optional>
 #include <string>
-#include <utility>
-#include <vector>
+
+#include "platform/environment_pass.h"
 
 namespace mailslice::platform {
 
-// While one lives (on this thread), each setting is read from the environment once: a call
-// that converts text asks for the code page at every conversion, and the environment is
-// searched from its start each time. Scopes nest; the outermost keeps the settings.
+// The environment variables the library reads (the names are in device_settings.cc).
+enum class Setting : uint8_t {
+  kDeviceType,
+  kLanguage,
+  kCodePage,
+  kMessages,
+  kRegistry,
+  kTemp,
+  kConfigHome,
+  kHome,
+  kTempRoot,
+  kCount
+};
+
+// While one lives (on this thread), each setting is read from the environment once, when it
+// is first asked for, and kept: a call that converts text asks for the code page at every
+// conversion. The first setting asked for reads every variable of the library in one pass over
+// the environment; a setting first asked for later takes its value from that pass while the
+// environment is unchanged. Scopes nest; the outermost keeps the settings.
 class SettingsScope {
  public:
   SettingsScope();
@@ -21,20 +39,23 @@ class SettingsScope {
   SettingsScope(const SettingsScope&) = delete;
   SettingsScope& operator=(const SettingsScope&) = delete;
 
+  // The variable of `setting`, empty counting as unset, as the environment gave it when it was
+  // first asked for in this scope.
+  const std::optional<std::string>& Variable(Setting setting);
+
  private:
-  friend std::optional<std::string> KeptVariable(const char* name);
   friend int LanguageCode();
   friend std::string AnsiCodePageName();
+  static constexpr size_t kSettingCount = static_cast<size_t>(Setting::kCount);
+
   bool outermost_;
-  std::vector<std::pair<const char*, std::optional<std::string>>> read_;  // names are constants
+  uint32_t kept_ = 0;  // a bit per setting whose variable is in variables_
+  std::array<std::optional<std::string>, kSettingCount> variables_;
+  EnvironmentPass pass_;
   // The two settings every conversion asks for, as worked out from the variables.
   std::optional<int> languageCode_;
   std::optional<std::string> codePageName_;
 };
-
-// The environment variable `name` (a constant), empty counting as unset; kept while a
-// SettingsScope lives.
-std::optional<std::string> KeptVariable(const char* name);
 
 // MAILSLICE_DEVICE_TYPE, default 0 (no size limit).
 int DeviceType();
