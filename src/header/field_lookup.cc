@@ -1,6 +1,9 @@
 #include "header/field_lookup.h"
 
 #include <algorithm>
+#include <cstring>
+#include <string_view>
+#include <vector>
 
 #include "header/header_block.h"
 #include "platform/code_page.h"
@@ -75,23 +78,16 @@ std::u16string Unfold(std::u16string value, LineEnds lineEnds) {
   return WithoutCrLfPairs(value);
 }
 
-// A header block made ready for lookups: with a line break in front, so that a field on the
-// first line matches like any other, and the same folded to lower case.
-struct PreparedBlock {
-  std::u16string text;
-  std::u16string folded;
+// The search for a field anywhere in the block, for any name: the block folded to lower case
+// is searched for a line break, the folded name and a colon. Returns where the value starts
+// and how the header ends its lines, or npos.
+struct FoundValue {
+  size_t start = std::u16string::npos;
+  LineEnds lineEnds = LineEnds::kCrLf;
 };
 
-PreparedBlock Prepare(std::u16string_view headerBlock) {
-  PreparedBlock block;
-  block.text = Joined(u"\r\n", headerBlock);
-  block.folded = Folded(block.text);
-  return block;
-}
-
-CString FindField(const PreparedBlock& block, std::u16string_view name, int occurrence) {
-  const std::u16string& text = block.text;
-  const std::u16string& folded = block.folded;
+FoundValue SearchValue(std::u16string_view text, std::u16string_view name, int occurrence) {
+  std::u16string folded = Folded(text);
   std::u16string foldedName = Folded(name);
   std::u16string pattern = Joined(u"\r\n", foldedName, u":");
   LineEnds lineEnds = LineEnds::kCrLf;
@@ -104,37 +100,116 @@ CString FindField(const PreparedBlock& block, std::u16string_view name, int occu
   for (int skipped = 0; skipped < occurrence && match != std::u16string::npos; ++skipped) {
     match = platform::FindUnits(folded, pattern, match + pattern.size());
   }
-  if (match == std::u16string::npos) return CString();
-  size_t start = match + pattern.size();
-  size_t end = ValueEnd(text, start, lineEnds);
-  std::u16string value = Unfold(text.substr(start, end - start), lineEnds);
+  if (match == std::u16string::npos) return {};
+  return {match + pattern.size(), lineEnds};
+}
+
+// A header block made ready for lookups: with a line break in front, so that a field on the
+// first line matches like any other, and the places where its lines start (just past each
+// LF), where a field's name can begin.
+struct PreparedBlock {
+  std::u16string text;
+  std::vector<size_t> lineStarts;
+};
+
+void Prepare(std::u16string_view headerBlock, PreparedBlock& block) {
+  block.text.assign(u"\r\n").append(headerBlock);
+  block.lineStarts.clear();
+  for (size_t lf = 0; (lf = platform::FindUnit(block.text, u'\n', lf)) != std::u16string::npos;) {
+    block.lineStarts.push_back(++lf);
+  }
+}
+
+// Whether a line start can find `name`: a name without a colon or line break cannot run over
+// a line start, so its matches are the lines that begin with it and a colon, in order.
+bool FitsLineStarts(std::u16string_view name) {
+  return name.find_first_of(u":\r\n") == std::u16string_view::npos;
+}
+
+bool NameAt(std::u16string_view text, size_t start, std::u16string_view name) {
+  if (text.size() - start <= name.size() || text[start + name.size()] != u':') return false;
+  for (size_t at = 0; at < name.size(); ++at) {
+    if (platform::ToLowerLetter(text[start + at]) != platform::ToLowerLetter(name[at])) {
+      return false;
+    }
+  }
+  return true;
+}
+
+// The lines that begin with `name` and a colon: after a CR LF in the first pass, after any
+// LF in the second, which is made only when the first finds none. As the search above.
+FoundValue IndexedValue(const PreparedBlock& block, std::u16string_view name, int occurrence) {
+  for (LineEnds lineEnds : {LineEnds::kCrLf, LineEnds::kLf}) {
+    int seen = 0;
+    for (size_t start : block.lineStarts) {
+      if (lineEnds == LineEnds::kCrLf && block.text[start - 2] != u'\r') continue;
+      if (!NameAt(block.text, start, name)) continue;
+      if (seen++ >= occurrence) return {start + name.size() + 1, lineEnds};
+    }
+    if (seen > 0) return {};
+  }
+  return {};
+}
+
+CString ValueFrom(std::u16string_view text, FoundValue found) {
+  if (found.start == std::u16string::npos) return CString();
+  size_t end = ValueEnd(text, found.start, found.lineEnds);
+  std::u16string value =
+      Unfold(std::u16string(text.substr(found.start, end - found.start)), found.lineEnds);
   std::replace(value.begin(), value.end(), u'\t', u' ');
   CString result(std::move(value));
   result.Trim();
   return result;
 }
 
+CString FindField(const PreparedBlock& block, std::u16string_view name, int occurrence) {
+  if (!FitsLineStarts(name))
+    return ValueFrom(block.text, SearchValue(block.text, name, occurrence));
+  return ValueFrom(block.text, IndexedValue(block, name, occurrence));
+}
+
 // A message is asked for From, To, Cc, Subject and Date in turn: its header block is widened
-// and folded once and kept, with the bytes and the code page it came from, for the next
+// and indexed once and kept, with the bytes and the code page it came from, for the next
 // lookup. A block is widened through the device ANSI code page alone, so the same bytes and
 // the same code page give the same block.
 class LastBlock {
  public:
-  const PreparedBlock& Of(std::string_view bytes) {
-    std::string codePage = platform::AnsiCodePageName();
-    if (!held_ || bytes != bytes_ || codePage != codePage_) {
+  // The kept block, when `message` still has the header it was made from: the same text at
+  // the same place, whose first CR LF CR LF ends the same header bytes as before.
+  const PreparedBlock* Holding(const char* message, const std::string& codePage) const {
+    if (!held_ || message != message_ || !endsAtCrLfPair_ || codePage != codePage_) {
+      return nullptr;
+    }
+    // Stops at a NUL that a changed message may hold; the kept bytes have none.
+    if (std::strncmp(message, bytes_.data(), bytes_.size()) != 0) return nullptr;
+    return &block_;
+  }
+
+  const PreparedBlock& Of(const char* message, std::string_view bytes, std::string codePage) {
+    std::string_view kept(bytes_.data(), bytes_.size() - (endsAtCrLfPair_ ? kCrLfPairSize : 0));
+    if (!held_ || bytes != kept || codePage != codePage_) {
       held_ = false;
-      block_ = Prepare(platform::AnsiToWide(bytes));
-      bytes_.assign(bytes);
+      Prepare(platform::AnsiToWide(bytes), block_);
       codePage_ = std::move(codePage);
       held_ = true;
     }
+    // With bare LF endings the header ends at an LF pair only where no CR LF CR LF follows it
+    // anywhere in the message, which comparing the header cannot tell.
+    message_ = message;
+    bytes_.assign(bytes);
+    endsAtCrLfPair_ = std::strncmp(message + bytes.size(), kCrLfPair, kCrLfPairSize) == 0;
+    if (endsAtCrLfPair_) bytes_.append(kCrLfPair);
     return block_;
   }
 
  private:
+  static constexpr const char* kCrLfPair = "\r\n\r\n";
+  static constexpr size_t kCrLfPairSize = 4;
+
   bool held_ = false;
-  std::string bytes_;
+  const char* message_ = nullptr;
+  bool endsAtCrLfPair_ = false;
+  std::string bytes_;  // the header bytes, and the CR LF CR LF when it ends them
   std::string codePage_;
   PreparedBlock block_;
 };
@@ -147,17 +222,30 @@ constexpr size_t kMaxKeptHeaderBytes = 64 * 1024;
 CString LookupFieldInBlock(std::u16string_view headerBlock, std::u16string_view name,
                            int occurrence) {
   if (headerBlock.empty()) return CString();
-  return FindField(Prepare(headerBlock), name, occurrence);
+  PreparedBlock block;
+  Prepare(headerBlock, block);
+  return FindField(block, name, occurrence);
 }
 
 CString LookupField(const char* message, std::u16string_view name, int occurrence) {
+  thread_local LastBlock last;
+  std::string codePage = platform::AnsiCodePageName();
+  if (const PreparedBlock* block = last.Holding(message, codePage)) {
+    return FindField(*block, name, occurrence);
+  }
   auto bytes = HeaderBytes(message);
   if (!bytes || bytes->empty()) return CString();
   if (bytes->size() > kMaxKeptHeaderBytes) {
     return LookupFieldInBlock(platform::AnsiToWide(*bytes), name, occurrence);
   }
-  thread_local LastBlock last;
-  return FindField(last.Of(*bytes), name, occurrence);
+  return FindField(last.Of(message, *bytes, std::move(codePage)), name, occurrence);
+}
+
+CString SearchFieldInBlock(std::u16string_view headerBlock, std::u16string_view name,
+                           int occurrence) {
+  if (headerBlock.empty()) return CString();
+  std::u16string text = Joined(u"\r\n", headerBlock);
+  return ValueFrom(text, SearchValue(text, name, occurrence));
 }
 
 }  // namespace mailslice::header

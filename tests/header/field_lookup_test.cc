@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
 #include <string>
+#include <vector>
 
 #include "header/header_block.h"
 #include "support/test_support.h"
@@ -58,6 +60,89 @@ TEST(FieldLookupTest, EachLookupReadsTheMessageAndCodePageOfItsCall) {
   std::string large = "X: " + std::string(100'000, 'x') + "\r\nTo: far\r\n\r\nbody";
   EXPECT_EQ(LookupField(large.c_str(), u"To"), u"far");
   EXPECT_EQ(LookupField(message, u"To"), u"oxe");
+}
+
+// Header blocks put together from pieces that trouble a lookup: both line ends and bare CRs,
+// folds of one and two blanks, NULs, repeated fields, names in other cases or with a blank
+// before the colon, Latin-1 letters, and a field on the first line.
+std::u16string RandomHeader(std::mt19937& random, bool withNul) {
+  static const std::vector<std::u16string> kNames = {u"From",
+                                                     u"from",
+                                                     u"FROM",
+                                                     u"To",
+                                                     u"TO",
+                                                     u"Cc",
+                                                     u"CC",
+                                                     u"Subject",
+                                                     u"X-From",
+                                                     u"To ",
+                                                     u"Date",
+                                                     u"\u00C9t\u00E9",
+                                                     u"\u00E9T\u00C9",
+                                                     u"",
+                                                     u"Fr:om",
+                                                     u"Re"};
+  static const std::vector<std::u16string> kValues = {
+      u" a@x", u"", u"  two  words ", u"\tb\tc", u" x: y", u" =?utf-8?q?w?=", u" To: inner"};
+  static const std::vector<std::u16string> kEnds = {u"\r\n", u"\n",   u"\r",     u"\r\n ",
+                                                    u"\n ",  u"\n  ", u"\r\n\t", u"\n\t"};
+  std::u16string header;
+  size_t lines = random() % 7;
+  for (size_t line = 0; line < lines; ++line) {
+    header += kNames[random() % kNames.size()];
+    if (random() % 6 != 0) header += u':';
+    header += kValues[random() % kValues.size()];
+    if (withNul && random() % 9 == 0) header += u'\0';
+    if (line + 1 < lines || random() % 2 == 0) header += kEnds[random() % kEnds.size()];
+  }
+  return header;
+}
+
+const std::u16string_view kLookedFor[] = {
+    u"From", u"TO",    u"cc",     u"Subject", u"Date", u"\u00C9T\u00C9", u"",
+    u"To ",  u"Fr:om", u"X-From", u"Re",      u"R",    u"From\r\nTo",    u"e"};
+
+// The lookup by line starts against the search of the whole block, every name and occurrence.
+TEST(FieldLookupTest, LineStartsFindWhatTheWholeBlockSearchFinds) {
+  std::mt19937 random(7);
+  for (int round = 0; round < 3000; ++round) {
+    std::u16string header = RandomHeader(random, true);
+    for (std::u16string_view name : kLookedFor) {
+      for (int occurrence = -1; occurrence < 3; ++occurrence) {
+        ASSERT_EQ(LookupFieldInBlock(header, name, occurrence),
+                  SearchFieldInBlock(header, name, occurrence))
+            << mailslice::testing::Utf8(header) << " / " << mailslice::testing::Utf8(name) << " #"
+            << occurrence;
+      }
+    }
+  }
+}
+
+// The kept block of a message must give what its header gives now, when lookups go from one
+// message to another and a message is changed in place between them.
+TEST(FieldLookupTest, KeptBlocksFollowTheMessageOfEachLookup) {
+  std::mt19937 random(11);
+  std::vector<std::string> messages;
+  for (int i = 0; i < 4; ++i) messages.push_back("");
+  const char kSeparators[][6] = {"\r\n\r\n", "\n\n", "\r\n\n", "\n\r\n\r\n"};
+  for (int round = 0; round < 3000; ++round) {
+    std::string& message = messages[random() % messages.size()];
+    if (message.empty() || random() % 4 == 0) {
+      std::u16string header = RandomHeader(random, false);
+      message.assign(header.begin(), header.end());  // Latin-1 letters as bytes
+      message += kSeparators[random() % 4];
+      message += random() % 2 == 0 ? "body\r\n\r\nmore" : "body";
+    } else if (random() % 3 == 0) {
+      // A byte changed in place: a letter, a line end or the end of the text.
+      const char kBytes[] = {'x', '\r', '\n', ':', ' ', '\0'};
+      message[random() % message.size()] = kBytes[random() % sizeof kBytes];
+    }
+    std::u16string_view name = kLookedFor[random() % std::size(kLookedFor)];
+    int occurrence = static_cast<int>(random() % 3);
+    CString expected = SearchFieldInBlock(HeaderBlock(message.c_str()), name, occurrence);
+    ASSERT_EQ(LookupField(message.c_str(), name, occurrence), expected)
+        << message << " / " << mailslice::testing::Utf8(name);
+  }
 }
 
 TEST(HeaderBlockTest, EndsAtTheFirstEmptyLineOfEitherKind) {
