@@ -9,6 +9,7 @@
 #include "platform/code_page.h"
 #include "platform/device_settings.h"
 #include "platform/letter_case.h"
+#include "platform/white_space.h"
 #include "platform/wide_search.h"
 
 namespace mailslice::header {
@@ -32,17 +33,16 @@ std::u16string Joined(std::u16string_view first, std::u16string_view second,
 bool IsBlank(char16_t ch) { return ch == u' ' || ch == u'\t'; }
 
 // Where the value that starts at `start` ends: at the line break that is not followed by a
-// continuation line, or at the end of the block. Bare-LF headers look two characters ahead,
-// so a line that starts with a single blank after an LF does not continue the field.
+// continuation line, or at a NUL, or at the end of the block. Bare-LF headers look two
+// characters ahead, so a line that starts with a single blank after an LF does not continue
+// the field.
 size_t ValueEnd(std::u16string_view text, size_t start, LineEnds lineEnds) {
   auto at = [&](size_t i) { return i < text.size() ? text[i] : u'\0'; };
-  for (size_t i = start; i < text.size(); ++i) {
-    if (at(i) == u'\0') return i;
-    if (lineEnds == LineEnds::kCrLf && at(i) == u'\r' && at(i + 1) == u'\n' &&
-        !IsBlank(at(i + 2))) {
-      return i;
-    }
-    if (lineEnds == LineEnds::kLf && at(i) == u'\n' && !IsBlank(at(i + 2))) return i;
+  const char16_t stops[] = {u'\0', lineEnds == LineEnds::kCrLf ? u'\r' : u'\n'};
+  for (size_t i = start; (i = platform::FindAnyUnit(text, {stops, 2}, i)) != text.npos; ++i) {
+    if (text[i] == u'\0') return i;
+    if (lineEnds == LineEnds::kCrLf && at(i + 1) == u'\n' && !IsBlank(at(i + 2))) return i;
+    if (lineEnds == LineEnds::kLf && !IsBlank(at(i + 2))) return i;
   }
   return text.size();
 }
@@ -52,12 +52,16 @@ size_t ValueEnd(std::u16string_view text, size_t start, LineEnds lineEnds) {
 std::u16string WithoutCrLfPairs(std::u16string_view text) {
   std::u16string result;
   result.reserve(text.size());
-  for (char16_t ch : text) {
-    if (ch == u'\n' && !result.empty() && result.back() == u'\r') {
+  for (size_t from = 0; from < text.size();) {
+    size_t lf = std::min(platform::FindUnit(text, u'\n', from), text.size());
+    result.append(text.substr(from, lf - from));
+    if (lf == text.size()) break;
+    if (!result.empty() && result.back() == u'\r') {
       result.pop_back();
     } else {
-      result += ch;
+      result += u'\n';
     }
+    from = lf + 1;
   }
   return result;
 }
@@ -151,15 +155,23 @@ FoundValue IndexedValue(const PreparedBlock& block, std::u16string_view name, in
   return {};
 }
 
+// The value as shown: unfolded, tabs made spaces, trimmed. A value on one line needs no
+// unfolding, and trimming it before its tabs become spaces leaves the same text, tab and
+// space both being trimmed.
 CString ValueFrom(std::u16string_view text, FoundValue found) {
   if (found.start == std::u16string::npos) return CString();
   size_t end = ValueEnd(text, found.start, found.lineEnds);
-  std::u16string value =
-      Unfold(std::u16string(text.substr(found.start, end - found.start)), found.lineEnds);
+  std::u16string_view raw = text.substr(found.start, end - found.start);
+  std::u16string value;
+  if (platform::FindUnit(raw, u'\n') == std::u16string_view::npos) {
+    platform::TrimmedRange kept = platform::Untrimmed(raw);
+    value.assign(raw.substr(kept.begin, kept.end - kept.begin));
+  } else {
+    value = Unfold(std::u16string(raw), found.lineEnds);
+    platform::TrimSpaces(value);
+  }
   std::replace(value.begin(), value.end(), u'\t', u' ');
-  CString result(std::move(value));
-  result.Trim();
-  return result;
+  return CString(std::move(value));
 }
 
 CString FindField(const PreparedBlock& block, std::u16string_view name, int occurrence) {
@@ -239,13 +251,6 @@ CString LookupField(const char* message, std::u16string_view name, int occurrenc
     return LookupFieldInBlock(platform::AnsiToWide(*bytes), name, occurrence);
   }
   return FindField(last.Of(message, *bytes, std::move(codePage)), name, occurrence);
-}
-
-CString SearchFieldInBlock(std::u16string_view headerBlock, std::u16string_view name,
-                           int occurrence) {
-  if (headerBlock.empty()) return CString();
-  std::u16string text = Joined(u"\r\n", headerBlock);
-  return ValueFrom(text, SearchValue(text, name, occurrence));
 }
 
 }  // namespace mailslice::header

@@ -15,11 +15,6 @@ namespace mailslice::header {
 CString LookupFieldInBlock(std::u16string_view headerBlock, std::u16string_view name,
                            int occurrence = 0);
 
-// LookupFieldInBlock's answer found the plain way, by searching the whole block folded to lower
-// case for each name; the reference for the lookups, which find most names by their lines.
-CString SearchFieldInBlock(std::u16string_view headerBlock, std::u16string_view name,
-                           int occurrence = 0);
-
 // The same, in the header block of a whole message text (null for none).
 CString LookupField(const char* message, std::u16string_view name, int occurrence = 0);
 

@@ -3,6 +3,7 @@
 #include <pwd.h>
 #include <unistd.h>
 
+#include <bit>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -70,18 +71,16 @@ SettingsScope::~SettingsScope() {
   if (outermost_) g_scope = nullptr;
 }
 
-const std::optional<std::string>& SettingsScope::Variable(Setting setting) {
-  auto index = static_cast<size_t>(setting);
-  uint32_t bit = uint32_t{1} << index;
-  if ((kept_ & bit) == 0) {
-    // A setting first asked for after the pass is read again only when the environment has
-    // changed since, which nothing but the caller's own code within a scope can do.
-    if (!pass_.Unchanged(environ)) pass_.Read(kNames, environ);
+void SettingsScope::Read(uint32_t settings) {
+  // A setting first asked for after the pass is read again only when the environment has
+  // changed since, which only the caller's own code within a scope can do.
+  if (!pass_.Unchanged(environ)) pass_.Read(kNames, environ);
+  for (uint32_t left = settings; left != 0; left &= left - 1) {
+    auto index = static_cast<size_t>(std::countr_zero(left));
     const char* value = pass_.Value(index);
     if (value != nullptr && *value != '\0') variables_[index].emplace(value);
-    kept_ |= bit;
   }
-  return variables_[index];
+  kept_ |= settings;
 }
 
 int DeviceType() {
@@ -116,6 +115,7 @@ std::string CodePageNameForLanguage(int languageCode) {
 std::string AnsiCodePageName() {
   return InScope([](SettingsScope& scope) {
     if (!scope.codePageName_) {
+      scope.Keep({Setting::kCodePage, Setting::kLanguage});
       const auto& name = scope.Variable(Setting::kCodePage);
       scope.codePageName_ = name ? *name : CodePageNameForLanguage(LanguageCode());
     }
@@ -126,10 +126,15 @@ std::string AnsiCodePageName() {
 std::optional<std::string> MessagesFolder() { return Variable(Setting::kMessages); }
 
 std::optional<std::string> RegistryPath() {
-  if (auto path = Variable(Setting::kRegistry)) return path;
-  if (auto config = Variable(Setting::kConfigHome)) return *config + "/mailslice/registry.reg";
-  if (auto home = HomeFolder()) return *home + "/.config/mailslice/registry.reg";
-  return std::nullopt;
+  return InScope([](SettingsScope& scope) -> std::optional<std::string> {
+    scope.Keep({Setting::kRegistry, Setting::kConfigHome, Setting::kHome});
+    if (const auto& path = scope.Variable(Setting::kRegistry)) return *path;
+    if (const auto& config = scope.Variable(Setting::kConfigHome)) {
+      return *config + "/mailslice/registry.reg";
+    }
+    if (auto home = HomeFolder()) return *home + "/.config/mailslice/registry.reg";
+    return std::nullopt;
+  });
 }
 
 std::optional<std::string> TempFolderSetting() { return Variable(Setting::kTemp); }

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstdint>
+#include <initializer_list>
 #include <optional>
 #include <string>
 
@@ -41,12 +42,28 @@ class SettingsScope {
 
   // The variable of `setting`, empty counting as unset, as the environment gave it when it was
   // first asked for in this scope.
-  const std::optional<std::string>& Variable(Setting setting);
+  const std::optional<std::string>& Variable(Setting setting) {
+    if ((kept_ & Bit(setting)) == 0) Read(Bit(setting));
+    return variables_[static_cast<size_t>(setting)];
+  }
+  // Asks for the variables of several settings at once, as a setting worked out from them
+  // does.
+  void Keep(std::initializer_list<Setting> settings) {
+    uint32_t wanted = 0;
+    for (Setting setting : settings) wanted |= Bit(setting);
+    if ((wanted & ~kept_) != 0) Read(wanted & ~kept_);
+  }
 
  private:
   friend int LanguageCode();
   friend std::string AnsiCodePageName();
   static constexpr size_t kSettingCount = static_cast<size_t>(Setting::kCount);
+  static constexpr uint32_t Bit(Setting setting) {
+    return uint32_t{1} << static_cast<unsigned>(setting);
+  }
+
+  // Reads and keeps the variables of `settings` (bits), none of them kept yet.
+  void Read(uint32_t settings);
 
   bool outermost_;
   uint32_t kept_ = 0;  // a bit per setting whose variable is in variables_

@@ -1,49 +1,45 @@
 #include "platform/environment_pass.h"
 
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
 namespace mailslice::platform {
-namespace {
-
-// The value of `entry` when it reads `name` and then '=', else null. The comparison stops at
-// the entry's NUL, which no name holds.
-const char* ValueOf(const char* entry, std::string_view name) {
-  size_t at = 0;
-  while (at < name.size() && entry[at] == name[at]) ++at;
-  if (at < name.size() || entry[at] != '=') return nullptr;
-  return entry + at + 1;
-}
-
-}  // namespace
 
 void EnvironmentPass::Read(const EnvironmentNames& names, char* const* environment) {
-  values_.fill(nullptr);
+  std::fill_n(values_.begin(), names.size(), nullptr);
   environment_ = environment;
   entryCount_ = 0;
   tooLarge_ = false;
   done_ = true;
   if (environment == nullptr) return;
-  for (char* const* entry = environment; *entry != nullptr; ++entry, ++entryCount_) {
-    const char* text = *entry;
-    if (entryCount_ < kRememberedEntries) {
-      entries_[entryCount_] = text;
-    } else {
-      tooLarge_ = true;
-    }
-    if (!names.MayBegin(static_cast<unsigned char>(text[0]))) continue;
-    for (size_t index = 0; index < names.size(); ++index) {
-      // getenv gives the first entry of a name; a later one with the same name is never seen.
-      if (values_[index] != nullptr || names[index].front() != text[0]) continue;
-      if (const char* value = ValueOf(text, names[index])) {
-        values_[index] = value;
-        break;  // an entry holds one name, the names being different
-      }
-    }
+  char* const* entry = environment;
+  for (; *entry != nullptr; ++entry) {
+    if (names.MayBegin(*entry)) Match(names, *entry);
+  }
+  entryCount_ = static_cast<size_t>(entry - environment);
+  tooLarge_ = entryCount_ > kRememberedEntries;
+  if (!tooLarge_) std::memcpy(entries_.data(), environment, entryCount_ * sizeof(char*));
+}
+
+// The entry's name runs to its first '=' (no name holds one), so an entry gives the value of
+// at most one name; getenv gives the first entry of a name, so a later one is passed over.
+void EnvironmentPass::Match(const EnvironmentNames& names, const char* entry) {
+  const char* equals = strchrnul(entry, '=');
+  if (*equals != '=') return;
+  std::string_view name(entry, static_cast<size_t>(equals - entry));
+  for (unsigned left = names.NamesOfLength(name.size()); left != 0; left &= left - 1) {
+    auto index = static_cast<size_t>(std::countr_zero(left));
+    if (names[index] != name) continue;
+    if (values_[index] == nullptr) values_[index] = equals + 1;
+    return;
   }
 }
 
 bool EnvironmentPass::Unchanged(char* const* environment) const {
   if (!done_ || tooLarge_ || environment != environment_) return false;
   if (environment == nullptr) return true;
-  // No remembered entry is null, so the loop stops at a shorter array's end.
+  // No remembered entry is null, so the comparison stops at the end of a shorter array.
   for (size_t at = 0; at < entryCount_; ++at) {
     if (environment[at] != entries_[at]) return false;
   }

@@ -11,41 +11,53 @@
 
 namespace mailslice::platform {
 
-// The names a pass looks for (at most kMaxNames, none empty, none holding '='), with the first
-// bytes they begin with, so that the pass passes over any other entry after one look at its first
-// byte.
+// The names a pass looks for (at most kMaxNames of two to kLongestName bytes, none holding '='),
+// with the bytes they begin with, so that the pass passes over most other entries after a look
+// at their first two bytes, and the names of each length.
 class EnvironmentNames {
  public:
-  static constexpr size_t kMaxNames = 32;
+  static constexpr size_t kMaxNames = 16;
+  static constexpr size_t kLongestName = 32;
 
   constexpr explicit EnvironmentNames(std::span<const std::string_view> names) : names_(names) {
-    for (std::string_view name : names) {
-      auto first = static_cast<unsigned char>(name.front());
-      firstBytes_[first / 64] |= uint64_t{1} << (first % 64);
+    for (size_t index = 0; index < names.size(); ++index) {
+      std::string_view name = names[index];
+      firstBytes_[static_cast<unsigned char>(name[0])] = true;
+      secondBytes_[static_cast<unsigned char>(name[1])] = true;
+      namesOfLength_[name.size()] |= static_cast<uint16_t>(1u << index);
     }
   }
 
-  size_t size() const { return names_.size(); }
   std::string_view operator[](size_t index) const { return names_[index]; }
-  bool MayBegin(unsigned char first) const { return (firstBytes_[first / 64] >> (first % 64)) & 1; }
+  size_t size() const { return names_.size(); }
+  // Whether a NUL-terminated entry may begin with one of the names; its second byte is read
+  // only when its first is not the NUL.
+  bool MayBegin(const char* entry) const {
+    return firstBytes_[static_cast<unsigned char>(entry[0])] &&
+           secondBytes_[static_cast<unsigned char>(entry[1])];
+  }
+  // A bit for each name (by its index) of `length` bytes.
+  uint16_t NamesOfLength(size_t length) const {
+    return length <= kLongestName ? namesOfLength_[length] : 0;
+  }
 
  private:
   std::span<const std::string_view> names_;
-  std::array<uint64_t, 4> firstBytes_{};
+  std::array<bool, 256> firstBytes_{};
+  std::array<bool, 256> secondBytes_{};
+  std::array<uint16_t, kLongestName + 1> namesOfLength_{};
 };
 
 class EnvironmentPass {
  public:
   // Remembered entries of the environment the pass went through; a larger environment is
   // taken as changed whenever it is asked about.
-  static constexpr size_t kRememberedEntries = 64;
+  static constexpr size_t kRememberedEntries = 128;
 
   // Goes once through `environment` (an environ-style array, null-terminated; null for an
   // empty environment) and finds each of `names` as getenv finds it: the value of the first
   // entry that reads the name and then '='.
   void Read(const EnvironmentNames& names, char* const* environment);
-
-  bool done() const { return done_; }
 
   // The value getenv gave for name `index` at the pass (pointing into the environment's own
   // entry), or null when the name was missing.
@@ -58,13 +70,15 @@ class EnvironmentPass {
   bool Unchanged(char* const* environment) const;
 
  private:
+  void Match(const EnvironmentNames& names, const char* entry);
+
   bool done_ = false;
   bool tooLarge_ = false;
   char* const* environment_ = nullptr;
   size_t entryCount_ = 0;
   // Filled by Read; not cleared before, so a scope that never reads costs nothing.
   std::array<const char*, EnvironmentNames::kMaxNames> values_;
-  std::array<const char*, kRememberedEntries> entries_;
+  std::array<char*, kRememberedEntries> entries_;
 };
 
 }  // namespace mailslice::platform

@@ -16,7 +16,7 @@ using mailslice::platform::EnvironmentNames;
 using mailslice::platform::EnvironmentPass;
 
 constexpr std::array<std::string_view, 5> kWanted = {"MAILSLICE_TEMP", "MAILSLICE_LANGUAGE", "HOME",
-                                                     "TMPDIR", "X"};
+                                                     "TMPDIR", "XY"};
 constexpr EnvironmentNames kNames(kWanted);
 
 // An environ-style array over strings the test owns.
@@ -46,11 +46,24 @@ class Environment {
 // Entries that are, nearly are or repeat the wanted names: prefixes, longer names, other case,
 // no '=', empty values, values holding '=', an empty name.
 std::string RandomEntry(std::mt19937& random) {
-  static const std::vector<std::string> kNamePieces = {
-      "MAILSLICE_TEMP", "MAILSLICE_TEM", "MAILSLICE_TEMPX", "mailslice_temp", "MAILSLICE_LANGUAGE",
-      "MAILSLICE_",     "HOME",          "HOMEDIR",         "HOM",            "TMPDIR",
-      "TMP",            "X",             "XY",              "PATH",           "",
-      "M",              "H"};
+  static const std::vector<std::string> kNamePieces = {"MAILSLICE_TEMP",
+                                                       "MAILSLICE_TEM",
+                                                       "MAILSLICE_TEMPX",
+                                                       "mailslice_temp",
+                                                       "MAILSLICE_LANGUAGE",
+                                                       "MAILSLICE_",
+                                                       "HOME",
+                                                       "HOMEDIR",
+                                                       "HOM",
+                                                       "TMPDIR",
+                                                       "TMP",
+                                                       "X",
+                                                       "XY",
+                                                       "XYZ",
+                                                       "PATH",
+                                                       "",
+                                                       "M",
+                                                       "H"};
   static const std::vector<std::string> kValues = {"", "81", "a=b", "=", "/tmp/x", " "};
   std::string entry = kNamePieces[random() % kNamePieces.size()];
   if (random() % 8 != 0) entry += "=" + kValues[random() % kValues.size()];
@@ -120,7 +133,7 @@ TEST(EnvironmentPassTest, ALargeEnvironmentIsAlwaysReadAgain) {
   for (size_t i = 0; i <= EnvironmentPass::kRememberedEntries; ++i) {
     entries.push_back("V" + std::to_string(i) + "=1");
   }
-  entries.push_back("X=last");
+  entries.push_back("XY=last");
   Environment environment(entries);
   EnvironmentPass pass;
   pass.Read(kNames, environment.get());
