@@ -128,17 +128,20 @@ std::optional<CalendarTime> UniversalTime(DateFields fields) {
 
 // printf's "%0<width>d": the digits, after a minus sign, filled with zeros to `width`.
 CString Padded(size_t width, int value) {
-  std::u16string text;
-  long long rest = value;
-  bool negative = rest < 0;
-  if (negative) rest = -rest;
+  constexpr size_t kMostDigits = 10;
+  char16_t digits[kMostDigits];
+  size_t count = 0;
+  unsigned magnitude = value < 0 ? 0u - static_cast<unsigned>(value) : static_cast<unsigned>(value);
   do {
-    text.push_back(static_cast<char16_t>(u'0' + rest % 10));
-    rest /= 10;
-  } while (rest != 0);
-  while (text.size() + (negative ? 1 : 0) < width) text.push_back(u'0');
-  if (negative) text.push_back(u'-');
-  std::reverse(text.begin(), text.end());
+    digits[kMostDigits - ++count] = static_cast<char16_t>(u'0' + magnitude % 10);
+    magnitude /= 10;
+  } while (magnitude != 0);
+  size_t sign = value < 0 ? 1 : 0;
+  std::u16string text;
+  text.reserve(std::max(width, count + sign));
+  if (sign != 0) text += u'-';
+  if (width > count + sign) text.append(width - count - sign, u'0');
+  text.append(digits + kMostDigits - count, count);
   return CString(std::move(text));
 }
 
@@ -170,12 +173,13 @@ void ParseDateHeader(const CString& value, DateFields fields) {
 }
 
 CString JoinDateFields(std::span<const CString, kDateFieldCount> fields) {
-  CString joined;
-  joined.Format(u"%s/%s/%s %s:%s:%s", fields[kYearField].GetString(),
-                fields[kMonthField].GetString(), fields[kDayField].GetString(),
-                fields[kHourField].GetString(), fields[kMinuteField].GetString(),
-                fields[kSecondField].GetString());
-  return joined;
+  // Each field as "%s" writes it: up to its first NUL.
+  auto text = [&](DateField field) { return std::u16string_view(fields[field].GetString()); };
+  std::u16string joined;
+  joined.append(text(kYearField)).append(u"/").append(text(kMonthField)).append(u"/");
+  joined.append(text(kDayField)).append(u" ").append(text(kHourField)).append(u":");
+  joined.append(text(kMinuteField)).append(u":").append(text(kSecondField));
+  return CString(std::move(joined));
 }
 
 }  // namespace mailslice::datetime

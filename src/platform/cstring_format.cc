@@ -91,6 +91,33 @@ void AppendNumber(std::u16string& out, const Conversion& conversion, T value) {
   out.append(text.begin(), text.begin() + size);  // ASCII only
 }
 
+// "%d" and "%0<width>d" (the forms message catalogs use for times and dates), written as
+// printf writes them: the digits after a minus sign, filled to the width with zeros after
+// the sign or with blanks before it.
+bool IsPlainDecimal(const Conversion& conversion) {
+  return (conversion.type == 'd' || conversion.type == 'i') && conversion.precision < 0 &&
+         conversion.flags.find_first_not_of('0') == std::string::npos;
+}
+
+void AppendPlainDecimal(std::u16string& out, const Conversion& conversion, int value) {
+  constexpr size_t kMostDigits = 10;
+  char digits[kMostDigits];
+  size_t count = 0;
+  unsigned magnitude = value < 0 ? 0u - static_cast<unsigned>(value) : static_cast<unsigned>(value);
+  do {
+    digits[count++] = static_cast<char>('0' + magnitude % 10);
+    magnitude /= 10;
+  } while (magnitude != 0);
+  size_t length = count + (value < 0 ? 1 : 0);
+  size_t width = conversion.width > 0 ? static_cast<size_t>(conversion.width) : 0;
+  size_t padding = width > length ? width - length : 0;
+  bool zeros = !conversion.flags.empty();
+  if (!zeros) out.append(padding, u' ');
+  if (value < 0) out += u'-';
+  if (zeros) out.append(padding, u'0');
+  while (count > 0) out += static_cast<char16_t>(digits[--count]);
+}
+
 void AppendInteger(std::u16string& out, const Conversion& conversion, va_list& args) {
   bool isSigned = conversion.type == 'd' || conversion.type == 'i';
   const std::string& length = conversion.length;
@@ -188,7 +215,9 @@ std::u16string FormatIntegers(std::u16string_view format, std::initializer_list<
     Conversion conversion = ReadConversion(at, nextInt);
     bool integer = conversion.type != 0 &&
                    std::string_view("diuoxX").find(conversion.type) != std::string_view::npos;
-    if (integer && conversion.length.empty()) {
+    if (integer && conversion.length.empty() && IsPlainDecimal(conversion)) {
+      AppendPlainDecimal(out, conversion, nextInt());
+    } else if (integer && conversion.length.empty()) {
       AppendNumber(out, conversion, nextInt());
     } else if (conversion.type == '%' && at == start + 2) {
       out += u'%';
