@@ -89,6 +89,8 @@ int DeviceType() {
 }
 
 int LanguageCode() {
+  // Asked at every conversion: once worked out, it is taken straight from the scope.
+  if (g_scope != nullptr && g_scope->languageCode_) return *g_scope->languageCode_;
   return InScope([](SettingsScope& scope) {
     if (!scope.languageCode_) scope.languageCode_ = IntegerVariable(scope, Setting::kLanguage, 1);
     return *scope.languageCode_;
@@ -113,6 +115,7 @@ std::string CodePageNameForLanguage(int languageCode) {
 }
 
 std::string AnsiCodePageName() {
+  if (g_scope != nullptr && g_scope->codePageName_) return *g_scope->codePageName_;
   return InScope([](SettingsScope& scope) {
     if (!scope.codePageName_) {
       scope.Keep({Setting::kCodePage, Setting::kLanguage});

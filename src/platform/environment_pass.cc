@@ -2,9 +2,28 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstdint>
 #include <cstring>
 
 namespace mailslice::platform {
+namespace {
+
+// Whether `size` bytes at `a` and `b` (both readable) are the same, eight at a time.
+bool SameBytes(const char* a, const char* b, size_t size) {
+  constexpr size_t kWord = sizeof(uint64_t);
+  if (size < kWord) return std::memcmp(a, b, size) == 0;
+  for (size_t at = 0;; at += kWord) {
+    at = std::min(at, size - kWord);  // the last word may overlap the one before
+    uint64_t x = 0;
+    uint64_t y = 0;
+    std::memcpy(&x, a + at, kWord);
+    std::memcpy(&y, b + at, kWord);
+    if (x != y) return false;
+    if (at + kWord == size) return true;
+  }
+}
+
+}  // namespace
 
 void EnvironmentPass::Read(const EnvironmentNames& names, char* const* environment) {
   std::fill_n(values_.begin(), names.size(), nullptr);
@@ -23,14 +42,16 @@ void EnvironmentPass::Read(const EnvironmentNames& names, char* const* environme
 }
 
 // The entry's name runs to its first '=' (no name holds one), so an entry gives the value of
-// at most one name; getenv gives the first entry of a name, so a later one is passed over.
+// one name at most; getenv gives the first entry of a name, so a later one is passed over.
 void EnvironmentPass::Match(const EnvironmentNames& names, const char* entry) {
   const char* equals = strchrnul(entry, '=');
   if (*equals != '=') return;
-  std::string_view name(entry, static_cast<size_t>(equals - entry));
-  for (unsigned left = names.NamesOfLength(name.size()); left != 0; left &= left - 1) {
+  auto length = static_cast<size_t>(equals - entry);
+  for (unsigned left = names.NamesOfLength(length); left != 0; left &= left - 1) {
     auto index = static_cast<size_t>(std::countr_zero(left));
-    if (names[index] != name) continue;
+    std::string_view name = names[index];
+    size_t probe = names.ProbeOf(index);
+    if (entry[probe] != name[probe] || !SameBytes(entry, name.data(), length)) continue;
     if (values_[index] == nullptr) values_[index] = equals + 1;
     return;
   }

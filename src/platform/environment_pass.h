@@ -11,9 +11,11 @@
 
 namespace mailslice::platform {
 
-// The names a pass looks for (at most kMaxNames of two to kLongestName bytes, none holding '='),
-// with the bytes they begin with, so that the pass passes over most other entries after a look
-// at their first two bytes, and the names of each length.
+// The names a pass looks for (at most kMaxNames, of two to kLongestName bytes, none holding
+// '='), with the bytes they begin with, so that the pass passes over most other entries after
+// a look at their first two bytes, the names of each length, and for each name a place where
+// it differs from every other name of its length (the first byte after "MAILSLICE_", say), so
+// that an entry is compared in full with one name at most.
 class EnvironmentNames {
  public:
   static constexpr size_t kMaxNames = 16;
@@ -26,10 +28,12 @@ class EnvironmentNames {
       secondBytes_[static_cast<unsigned char>(name[1])] = true;
       namesOfLength_[name.size()] |= static_cast<uint16_t>(1u << index);
     }
+    for (size_t index = 0; index < names.size(); ++index) probes_[index] = Probe(index);
   }
 
   std::string_view operator[](size_t index) const { return names_[index]; }
   size_t size() const { return names_.size(); }
+  size_t ProbeOf(size_t index) const { return probes_[index]; }
   // Whether a NUL-terminated entry may begin with one of the names; its second byte is read
   // only when its first is not the NUL.
   bool MayBegin(const char* entry) const {
@@ -42,10 +46,28 @@ class EnvironmentNames {
   }
 
  private:
+  // The first place where name `index` differs from all other names of its length (0 when
+  // there is none).
+  constexpr size_t Probe(size_t index) const {
+    std::string_view name = names_[index];
+    for (size_t at = 0; at < name.size(); ++at) {
+      bool alone = true;
+      for (size_t other = 0; other < names_.size(); ++other) {
+        std::string_view second = names_[other];
+        if (other != index && second.size() == name.size() && second[at] == name[at]) {
+          alone = false;
+        }
+      }
+      if (alone) return at;
+    }
+    return 0;
+  }
+
   std::span<const std::string_view> names_;
   std::array<bool, 256> firstBytes_{};
   std::array<bool, 256> secondBytes_{};
   std::array<uint16_t, kLongestName + 1> namesOfLength_{};
+  std::array<size_t, kMaxNames> probes_{};
 };
 
 class EnvironmentPass {

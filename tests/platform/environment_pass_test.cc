@@ -15,8 +15,18 @@ namespace {
 using mailslice::platform::EnvironmentNames;
 using mailslice::platform::EnvironmentPass;
 
-constexpr std::array<std::string_view, 5> kWanted = {"MAILSLICE_TEMP", "MAILSLICE_LANGUAGE", "HOME",
-                                                     "TMPDIR", "XY"};
+// Names that share beginnings with the names before them, less, as much and more, and names
+// that begin other names.
+constexpr std::array<std::string_view, 10> kWanted = {"MAILSLICE_TEMP",
+                                                      "MAILSLICE_TEMPX",
+                                                      "MAILSLICE_LANGUAGE",
+                                                      "MAILSLICE_",
+                                                      "MAILSLICE_TEM",
+                                                      "HOME",
+                                                      "HOMEDIR",
+                                                      "HO",
+                                                      "TMPDIR",
+                                                      "XY"};
 constexpr EnvironmentNames kNames(kWanted);
 
 // An environ-style array over strings the test owns.
@@ -137,7 +147,7 @@ TEST(EnvironmentPassTest, ALargeEnvironmentIsAlwaysReadAgain) {
   Environment environment(entries);
   EnvironmentPass pass;
   pass.Read(kNames, environment.get());
-  EXPECT_STREQ(pass.Value(4), "last");
+  EXPECT_STREQ(pass.Value(9), "last");
   EXPECT_FALSE(pass.Unchanged(environment.get()));
 }
 
