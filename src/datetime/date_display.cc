@@ -55,8 +55,13 @@ CString MessageOf(const CSystemValue& messages, std::span<const int> numbers, in
 CString MarkedTime(const CSystemValue& messages, const CString& time, int marker) {
   if (marker != kMorningMarker && marker != kAfternoonMarker) return time;
   CString word = messages.GetMessageW(marker);
-  if (MarkerGoesFirst(LanguageCode())) return word + u" " + time;
-  return time + u" " + word;
+  bool first = MarkerGoesFirst(LanguageCode());
+  std::u16string_view before = first ? word.Str() : time.Str();
+  std::u16string_view after = first ? time.Str() : word.Str();
+  std::u16string text;
+  text.reserve(before.size() + 1 + after.size());
+  text.append(before).append(1, u' ').append(after);
+  return CString(std::move(text));
 }
 
 // The field of a "year/month/day hour:minute:second" text at a place, cut as CString's Mid

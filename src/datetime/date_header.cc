@@ -7,6 +7,7 @@
 
 #include "datetime/text_number.h"
 #include "platform/ole_date.h"
+#include "platform/white_space.h"
 
 namespace mailslice::datetime {
 namespace {
@@ -25,10 +26,12 @@ constexpr size_t kZoneLength = 5;  // "+0900"
 
 // Trace lines ("Received: ...; Mon, 5 Jan 2009 ...") carry the date after their last ";".
 std::u16string DateAfterLastSemicolon(const CString& value) {
-  CString date = value;
-  if (int semicolon = date.ReverseFind(u';'); semicolon >= 0) date = date.Mid(semicolon + 1);
-  date.Trim();
-  return date.Str();
+  std::u16string_view date = value.Str();
+  if (size_t semicolon = date.rfind(u';'); semicolon != date.npos) {
+    date.remove_prefix(semicolon + 1);
+  }
+  platform::TrimmedRange kept = platform::Untrimmed(date);
+  return std::u16string(date.substr(kept.begin, kept.end - kept.begin));
 }
 
 bool StartsWithDayName(std::u16string_view date) {
@@ -57,14 +60,10 @@ void StartAtDayName(std::u16string& date) {
   }
 }
 
-std::u16string CollapseBlanks(std::u16string_view date) {
-  std::u16string collapsed;
-  collapsed.reserve(date.size());
-  for (char16_t ch : date) {
-    if (ch == u' ' && !collapsed.empty() && collapsed.back() == u' ') continue;
-    collapsed += ch;
-  }
-  return collapsed;
+// Runs of blanks become one blank, in place.
+void CollapseBlanks(std::u16string& date) {
+  auto blanks = [](char16_t kept, char16_t next) { return kept == u' ' && next == u' '; };
+  date.erase(std::unique(date.begin(), date.end(), blanks), date.end());
 }
 
 // Stores the tokens between blanks and colons in order. Tabs are not delimiters: the header
@@ -72,19 +71,19 @@ std::u16string CollapseBlanks(std::u16string_view date) {
 // a rule) is not stored as a token.
 void StoreTokens(std::u16string_view date, DateFields fields) {
   int index = kDayOfWeekField;
-  std::u16string token;
-  for (char16_t ch : date) {
-    if (ch != u' ' && ch != u':') {
-      token += ch;
-      continue;
-    }
+  size_t begin = 0;
+  for (size_t at = 0; at < date.size(); ++at) {
+    if (date[at] != u' ' && date[at] != u':') continue;
+    std::u16string_view token = date.substr(begin, at - begin);
+    begin = at + 1;
     if (index == kDayOfWeekField && token.size() < kShortestDayName) {
       fields[kDayOfWeekField].Empty();  // the date begins with the day of the month
       index = kDayField;
     }
-    if (index == kDayField && token.size() == 1) token.insert(0, 1, u'0');
-    fields[index++] = CString(std::move(token));
-    token.clear();
+    std::u16string text;
+    if (index == kDayField && token.size() == 1) text += u'0';
+    text.append(token);
+    fields[index++] = CString(std::move(text));
     if (index == kDateFieldCount) return;  // further tokens have no entry
   }
 }
@@ -166,7 +165,7 @@ void WriteBack(const std::optional<CalendarTime>& time, DateFields fields) {
 void ParseDateHeader(const CString& value, DateFields fields) {
   std::u16string date = DateAfterLastSemicolon(value);
   StartAtDayName(date);
-  date = CollapseBlanks(date);
+  CollapseBlanks(date);
   StoreTokens(date, fields);
   StoreZone(date, fields);
   WriteBack(UniversalTime(fields), fields);

@@ -109,18 +109,23 @@ FoundValue SearchValue(std::u16string_view text, std::u16string_view name, int o
 }
 
 // A header block made ready for lookups: with a line break in front, so that a field on the
-// first line matches like any other, and the places where its lines start (just past each
-// LF), where a field's name can begin.
+// first line matches like any other, the places where its lines start (just past each LF),
+// where a field's name can begin, and the first character of each line folded to lower case,
+// which passes over most lines at one look.
 struct PreparedBlock {
   std::u16string text;
   std::vector<size_t> lineStarts;
+  std::u16string lineFirsts;  // u'\0' for a line start at the end of the block
 };
 
 void Prepare(std::u16string_view headerBlock, PreparedBlock& block) {
   block.text.assign(u"\r\n").append(headerBlock);
   block.lineStarts.clear();
-  for (size_t lf = 0; (lf = platform::FindUnit(block.text, u'\n', lf)) != std::u16string::npos;) {
+  block.lineFirsts.clear();
+  std::u16string_view text = block.text;
+  for (size_t lf = 0; (lf = platform::FindUnit(text, u'\n', lf)) != text.npos;) {
     block.lineStarts.push_back(++lf);
+    block.lineFirsts += lf < text.size() ? platform::ToLowerLetter(text[lf]) : u'\0';
   }
 }
 
@@ -145,7 +150,9 @@ bool NameAt(std::u16string_view text, size_t start, std::u16string_view name) {
 FoundValue IndexedValue(const PreparedBlock& block, std::u16string_view name, int occurrence) {
   for (LineEnds lineEnds : {LineEnds::kCrLf, LineEnds::kLf}) {
     int seen = 0;
-    for (size_t start : block.lineStarts) {
+    for (size_t line = 0; line < block.lineStarts.size(); ++line) {
+      if (!name.empty() && block.lineFirsts[line] != platform::ToLowerLetter(name[0])) continue;
+      size_t start = block.lineStarts[line];
       if (lineEnds == LineEnds::kCrLf && block.text[start - 2] != u'\r') continue;
       if (!NameAt(block.text, start, name)) continue;
       if (seen++ >= occurrence) return {start + name.size() + 1, lineEnds};

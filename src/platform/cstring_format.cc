@@ -205,10 +205,13 @@ std::u16string FormatIntegers(std::u16string_view format, std::initializer_list<
   const int* next = values.begin();
   auto nextInt = [&] { return next == values.end() ? 0 : *next++; };
   std::u16string out;
+  out.reserve(format.size());
   std::u16string terminated(format);
   for (const char16_t* at = terminated.c_str(); *at != u'\0';) {
     if (*at != u'%') {
-      out += *at++;
+      const char16_t* text = at;
+      while (*at != u'\0' && *at != u'%') ++at;
+      out.append(text, at);
       continue;
     }
     const char16_t* start = at++;

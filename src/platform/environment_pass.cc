@@ -23,6 +23,24 @@ bool SameBytes(const char* a, const char* b, size_t size) {
   }
 }
 
+// The name of `names` that `entry` gives a value, or names.size() for none; `value` is set to
+// where the value begins. The entry's name runs to its first '=' (no name holds one), so an
+// entry gives the value of one name at most.
+inline size_t NameOf(const EnvironmentNames& names, const char* entry, const char*& value) {
+  const char* equals = strchrnul(entry, '=');
+  if (*equals != '=') return names.size();
+  auto length = static_cast<size_t>(equals - entry);
+  for (unsigned left = names.NamesOfLength(length); left != 0; left &= left - 1) {
+    auto index = static_cast<size_t>(std::countr_zero(left));
+    std::string_view name = names[index];
+    size_t probe = names.ProbeOf(index);
+    if (entry[probe] != name[probe] || !SameBytes(entry, name.data(), length)) continue;
+    value = equals + 1;
+    return index;
+  }
+  return names.size();
+}
+
 }  // namespace
 
 void EnvironmentPass::Read(const EnvironmentNames& names, char* const* environment) {
@@ -34,27 +52,15 @@ void EnvironmentPass::Read(const EnvironmentNames& names, char* const* environme
   if (environment == nullptr) return;
   char* const* entry = environment;
   for (; *entry != nullptr; ++entry) {
-    if (names.MayBegin(*entry)) Match(names, *entry);
+    if (!names.MayBegin(*entry)) continue;
+    const char* value = nullptr;
+    size_t index = NameOf(names, *entry, value);
+    // getenv gives the first entry of a name, so a later one is passed over.
+    if (index < names.size() && values_[index] == nullptr) values_[index] = value;
   }
   entryCount_ = static_cast<size_t>(entry - environment);
   tooLarge_ = entryCount_ > kRememberedEntries;
   if (!tooLarge_) std::memcpy(entries_.data(), environment, entryCount_ * sizeof(char*));
-}
-
-// The entry's name runs to its first '=' (no name holds one), so an entry gives the value of
-// one name at most; getenv gives the first entry of a name, so a later one is passed over.
-void EnvironmentPass::Match(const EnvironmentNames& names, const char* entry) {
-  const char* equals = strchrnul(entry, '=');
-  if (*equals != '=') return;
-  auto length = static_cast<size_t>(equals - entry);
-  for (unsigned left = names.NamesOfLength(length); left != 0; left &= left - 1) {
-    auto index = static_cast<size_t>(std::countr_zero(left));
-    std::string_view name = names[index];
-    size_t probe = names.ProbeOf(index);
-    if (entry[probe] != name[probe] || !SameBytes(entry, name.data(), length)) continue;
-    if (values_[index] == nullptr) values_[index] = equals + 1;
-    return;
-  }
 }
 
 bool EnvironmentPass::Unchanged(char* const* environment) const {

@@ -92,8 +92,6 @@ class EnvironmentPass {
   bool Unchanged(char* const* environment) const;
 
  private:
-  void Match(const EnvironmentNames& names, const char* entry);
-
   bool done_ = false;
   bool tooLarge_ = false;
   char* const* environment_ = nullptr;
