@@ -27,11 +27,11 @@ constexpr EnvironmentNames kNames(kVariableNames);
 
 thread_local SettingsScope* g_scope = nullptr;
 
-// Runs `read` in the open scope, or in a scope of its own for a call made outside any.
+// Runs `read` in the open scope, or in a scope of its own for a reading outside any.
 template <typename Read>
 auto InScope(Read read) {
   if (g_scope != nullptr) return read(*g_scope);
-  SettingsScope scope;
+  SettingsScope scope{SettingsScope::Alone{}};
   return read(scope);
 }
 
@@ -51,6 +51,12 @@ int IntegerVariable(SettingsScope& scope, Setting setting, int fallback) {
     return fallback;
   }
   return static_cast<int>(value);
+}
+
+// The language, its code page and the message files are asked for together: text is
+// converted, and words are shown, in the language of the device.
+void KeepLanguageSettings(SettingsScope& scope) {
+  scope.Keep({Setting::kLanguage, Setting::kCodePage, Setting::kMessages});
 }
 
 std::optional<std::string> HomeFolder() {
@@ -92,7 +98,10 @@ int LanguageCode() {
   // Asked at every conversion: once worked out, it is taken straight from the scope.
   if (g_scope != nullptr && g_scope->languageCode_) return *g_scope->languageCode_;
   return InScope([](SettingsScope& scope) {
-    if (!scope.languageCode_) scope.languageCode_ = IntegerVariable(scope, Setting::kLanguage, 1);
+    if (!scope.languageCode_) {
+      KeepLanguageSettings(scope);
+      scope.languageCode_ = IntegerVariable(scope, Setting::kLanguage, 1);
+    }
     return *scope.languageCode_;
   });
 }
@@ -118,7 +127,7 @@ std::string AnsiCodePageName() {
   if (g_scope != nullptr && g_scope->codePageName_) return *g_scope->codePageName_;
   return InScope([](SettingsScope& scope) {
     if (!scope.codePageName_) {
-      scope.Keep({Setting::kCodePage, Setting::kLanguage});
+      KeepLanguageSettings(scope);
       const auto& name = scope.Variable(Setting::kCodePage);
       scope.codePageName_ = name ? *name : CodePageNameForLanguage(LanguageCode());
     }
@@ -126,7 +135,12 @@ std::string AnsiCodePageName() {
   });
 }
 
-std::optional<std::string> MessagesFolder() { return Variable(Setting::kMessages); }
+std::optional<std::string> MessagesFolder() {
+  return InScope([](SettingsScope& scope) {
+    KeepLanguageSettings(scope);
+    return scope.Variable(Setting::kMessages);
+  });
+}
 
 std::optional<std::string> RegistryPath() {
   return InScope([](SettingsScope& scope) -> std::optional<std::string> {

@@ -36,6 +36,10 @@ enum class Setting : uint8_t {
 class SettingsScope {
  public:
   SettingsScope();
+  // A scope that keeps settings for one reading alone, shared with no other: a setting asked
+  // for outside any call is read from the environment on its own.
+  struct Alone {};
+  explicit SettingsScope(Alone) : outermost_(false) {}
   ~SettingsScope();
   SettingsScope(const SettingsScope&) = delete;
   SettingsScope& operator=(const SettingsScope&) = delete;
