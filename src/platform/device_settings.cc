@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 #include <string_view>
 
 namespace mailslice::platform {
@@ -36,13 +37,16 @@ auto InScope(Read read) {
 }
 
 std::optional<std::string> Variable(Setting setting) {
-  return InScope([setting](SettingsScope& scope) { return scope.Variable(setting); });
+  return InScope([setting](SettingsScope& scope) -> std::optional<std::string> {
+    if (const std::string* value = scope.Variable(setting)) return *value;
+    return std::nullopt;
+  });
 }
 
 // A setting that is not a whole number falls back to its default.
 int IntegerVariable(SettingsScope& scope, Setting setting, int fallback) {
-  const auto& text = scope.Variable(setting);
-  if (!text) return fallback;
+  const std::string* text = scope.Variable(setting);
+  if (text == nullptr) return fallback;
   errno = 0;
   char* end = nullptr;
   long value = std::strtol(text->c_str(), &end, 10);
@@ -75,6 +79,9 @@ SettingsScope::SettingsScope() : outermost_(g_scope == nullptr) {
 
 SettingsScope::~SettingsScope() {
   if (outermost_) g_scope = nullptr;
+  for (uint32_t left = present_; left != 0; left &= left - 1) {
+    slots_[static_cast<size_t>(std::countr_zero(left))].value.~basic_string();
+  }
 }
 
 void SettingsScope::Read(uint32_t settings) {
@@ -84,7 +91,10 @@ void SettingsScope::Read(uint32_t settings) {
   for (uint32_t left = settings; left != 0; left &= left - 1) {
     auto index = static_cast<size_t>(std::countr_zero(left));
     const char* value = pass_.Value(index);
-    if (value != nullptr && *value != '\0') variables_[index].emplace(value);
+    if (value != nullptr && *value != '\0') {
+      new (&slots_[index].value) std::string(value);
+      present_ |= uint32_t{1} << index;
+    }
   }
   kept_ |= settings;
 }
@@ -128,8 +138,8 @@ std::string AnsiCodePageName() {
   return InScope([](SettingsScope& scope) {
     if (!scope.codePageName_) {
       KeepLanguageSettings(scope);
-      const auto& name = scope.Variable(Setting::kCodePage);
-      scope.codePageName_ = name ? *name : CodePageNameForLanguage(LanguageCode());
+      const std::string* name = scope.Variable(Setting::kCodePage);
+      scope.codePageName_ = name != nullptr ? *name : CodePageNameForLanguage(LanguageCode());
     }
     return *scope.codePageName_;
   });
@@ -138,15 +148,16 @@ std::string AnsiCodePageName() {
 std::optional<std::string> MessagesFolder() {
   return InScope([](SettingsScope& scope) {
     KeepLanguageSettings(scope);
-    return scope.Variable(Setting::kMessages);
+    const std::string* folder = scope.Variable(Setting::kMessages);
+    return folder != nullptr ? std::optional<std::string>(*folder) : std::nullopt;
   });
 }
 
 std::optional<std::string> RegistryPath() {
   return InScope([](SettingsScope& scope) -> std::optional<std::string> {
     scope.Keep({Setting::kRegistry, Setting::kConfigHome, Setting::kHome});
-    if (const auto& path = scope.Variable(Setting::kRegistry)) return *path;
-    if (const auto& config = scope.Variable(Setting::kConfigHome)) {
+    if (const std::string* path = scope.Variable(Setting::kRegistry)) return *path;
+    if (const std::string* config = scope.Variable(Setting::kConfigHome)) {
       return *config + "/mailslice/registry.reg";
     }
     if (auto home = HomeFolder()) return *home + "/.config/mailslice/registry.reg";

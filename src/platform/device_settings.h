@@ -44,11 +44,11 @@ class SettingsScope {
   SettingsScope(const SettingsScope&) = delete;
   SettingsScope& operator=(const SettingsScope&) = delete;
 
-  // The variable of `setting`, empty counting as unset, as the environment gave it when it was
-  // first asked for in this scope.
-  const std::optional<std::string>& Variable(Setting setting) {
+  // The variable of `setting` as the environment gave it when it was first asked for in this
+  // scope; null when it was unset or empty.
+  const std::string* Variable(Setting setting) {
     if ((kept_ & Bit(setting)) == 0) Read(Bit(setting));
-    return variables_[static_cast<size_t>(setting)];
+    return (present_ & Bit(setting)) != 0 ? &slots_[static_cast<size_t>(setting)].value : nullptr;
   }
   // Asks for the variables of several settings at once, as a setting worked out from them
   // does.
@@ -69,9 +69,17 @@ class SettingsScope {
   // Reads and keeps the variables of `settings` (bits), none of them kept yet.
   void Read(uint32_t settings);
 
+  // A variable's value, made only when the variable is set: most are never asked for.
+  union Slot {
+    Slot() {}
+    ~Slot() {}
+    std::string value;
+  };
+
   bool outermost_;
-  uint32_t kept_ = 0;  // a bit per setting whose variable is in variables_
-  std::array<std::optional<std::string>, kSettingCount> variables_;
+  uint32_t kept_ = 0;     // a bit per setting whose variable has been read
+  uint32_t present_ = 0;  // a bit per setting whose variable was set, its value in slots_
+  std::array<Slot, kSettingCount> slots_;
   EnvironmentPass pass_;
   // The two settings every conversion asks for, as worked out from the variables.
   std::optional<int> languageCode_;
