@@ -118,8 +118,7 @@ struct PreparedBlock {
   std::u16string lineFirsts;  // u'\0' for a line start at the end of the block
 };
 
-void Prepare(std::u16string_view headerBlock, PreparedBlock& block) {
-  block.text.assign(u"\r\n").append(headerBlock);
+void IndexLines(PreparedBlock& block) {
   block.lineStarts.clear();
   block.lineFirsts.clear();
   std::u16string_view text = block.text;
@@ -127,6 +126,19 @@ void Prepare(std::u16string_view headerBlock, PreparedBlock& block) {
     block.lineStarts.push_back(++lf);
     block.lineFirsts += lf < text.size() ? platform::ToLowerLetter(text[lf]) : u'\0';
   }
+}
+
+void Prepare(std::u16string_view headerBlock, PreparedBlock& block) {
+  block.text.assign(u"\r\n").append(headerBlock);
+  IndexLines(block);
+}
+
+// The same from the header bytes, widened through the device ANSI code page behind the line
+// break.
+void PrepareBytes(std::string_view headerBytes, PreparedBlock& block) {
+  block.text.assign(u"\r\n");
+  platform::AnsiReader().AppendWidened(headerBytes, block.text);
+  IndexLines(block);
 }
 
 // Whether a line start can find `name`: a name without a colon or line break cannot run over
@@ -208,7 +220,7 @@ class LastBlock {
     std::string_view kept(bytes_.data(), bytes_.size() - (endsAtCrLfPair_ ? kCrLfPairSize : 0));
     if (!held_ || bytes != kept || codePage != codePage_) {
       held_ = false;
-      Prepare(platform::AnsiToWide(bytes), block_);
+      PrepareBytes(bytes, block_);
       codePage_ = std::move(codePage);
       held_ = true;
     }

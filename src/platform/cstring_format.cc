@@ -2,6 +2,7 @@
 // done here, every numeric conversion is handed to snprintf.
 #include <mailslice/cstring.h>
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <string>
@@ -206,8 +207,20 @@ std::u16string FormatIntegers(std::u16string_view format, std::initializer_list<
   auto nextInt = [&] { return next == values.end() ? 0 : *next++; };
   std::u16string out;
   out.reserve(format.size());
-  std::u16string terminated(format);
-  for (const char16_t* at = terminated.c_str(); *at != u'\0';) {
+  // The conversions are read from NUL-terminated text; a catalog's short format is copied to
+  // the stack for that.
+  constexpr size_t kShortFormat = 64;
+  char16_t shortCopy[kShortFormat];
+  std::u16string longCopy;
+  const char16_t* terminated = shortCopy;
+  if (format.size() < kShortFormat) {
+    std::copy(format.begin(), format.end(), shortCopy);
+    shortCopy[format.size()] = u'\0';
+  } else {
+    longCopy.assign(format);
+    terminated = longCopy.c_str();
+  }
+  for (const char16_t* at = terminated; *at != u'\0';) {
     if (*at != u'%') {
       const char16_t* text = at;
       while (*at != u'\0' && *at != u'%') ++at;
