@@ -98,9 +98,13 @@ void StoreZone(std::u16string_view date, DateFields fields) {
 
 // Minutes to add to the written time to reach Coordinated Universal Time: "+0900" gives -540.
 int MinutesToUniversalTime(const CString& zone) {
-  if (zone.IsEmpty()) return 0;
-  int minutes = LeadingInteger(zone.Mid(1, 2).Str()) * 60 + LeadingInteger(zone.Right(2).Str());
-  return zone.GetAt(0) == u'+' ? -minutes : minutes;
+  std::u16string_view text = zone.Str();
+  if (text.empty()) return 0;
+  // The hours at 1 (two digits, or what is left), the minutes in the last two places.
+  std::u16string_view hours = text.substr(std::min<size_t>(1, text.size()), 2);
+  std::u16string_view minutes = text.substr(text.size() - std::min<size_t>(2, text.size()));
+  int total = LeadingInteger(hours) * 60 + LeadingInteger(minutes);
+  return text[0] == u'+' ? -total : total;
 }
 
 int MonthNumber(const CString& name) {
@@ -127,20 +131,17 @@ std::optional<CalendarTime> UniversalTime(DateFields fields) {
 
 // printf's "%0<width>d": the digits, after a minus sign, filled with zeros to `width`.
 CString Padded(size_t width, int value) {
-  constexpr size_t kMostDigits = 10;
-  char16_t digits[kMostDigits];
-  size_t count = 0;
   unsigned magnitude = value < 0 ? 0u - static_cast<unsigned>(value) : static_cast<unsigned>(value);
+  size_t digits = 1;
+  for (unsigned rest = magnitude / 10; rest != 0; rest /= 10) ++digits;
+  size_t sign = value < 0 ? 1 : 0;
+  std::u16string text(std::max(width, digits + sign), u'0');
+  size_t at = text.size();
   do {
-    digits[kMostDigits - ++count] = static_cast<char16_t>(u'0' + magnitude % 10);
+    text[--at] = static_cast<char16_t>(u'0' + magnitude % 10);
     magnitude /= 10;
   } while (magnitude != 0);
-  size_t sign = value < 0 ? 1 : 0;
-  std::u16string text;
-  text.reserve(std::max(width, count + sign));
-  if (sign != 0) text += u'-';
-  if (width > count + sign) text.append(width - count - sign, u'0');
-  text.append(digits + kMostDigits - count, count);
+  if (sign != 0) text[0] = u'-';
   return CString(std::move(text));
 }
 

@@ -18,6 +18,7 @@ constexpr std::string_view kHeader = "Windows Registry Editor Version 5.00";
 constexpr std::string_view kDwordPrefix = "=dword:";
 
 bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
+  if (a == b) return true;  // as written, the usual case
   return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
     auto lower = [](char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c + 32) : c; };
     return lower(x) == lower(y);
@@ -90,7 +91,7 @@ class Store {
   bool Load() {
     auto location = RegistryPath();
     if (!location) return false;
-    path_ = *location;
+    path_ = std::move(*location);
     // The store is read on every call (the clock setting is asked for each time shown) and
     // hardly ever changes: the last read is kept while the file stays as it was.
     thread_local KeptFile kept;
