@@ -22,7 +22,9 @@ constexpr std::string_view kBase64Markers[] = {"?b?", "?B?"};
 constexpr std::string_view kQuotedPrintableMarkers[] = {"?q?", "?Q?"};
 constexpr size_t kMarkerLength = 3;
 // Bytes worth a look in plain text: a possible start, an escape, or a line break to drop.
-constexpr const char* kPlainTextStops = "=\x1B\r\n";
+constexpr bool IsPlainTextStop(char ch) {
+  return ch == '=' || ch == '\x1B' || ch == '\r' || ch == '\n';
+}
 constexpr const char* kRawRunEndStops = "?\x1B";
 constexpr char16_t kUnmappedShownAs = u'?';
 
@@ -152,11 +154,17 @@ class HeaderWalk {
     return text_.substr(at).starts_with(kWordStart) || RawRunAt(at);
   }
 
+  // The next byte at or after `at` that plain text stops at, or the end.
+  size_t PlainTextStop(size_t at) const {
+    while (at < text_.size() && !IsPlainTextStop(text_[at])) ++at;
+    return at;
+  }
+
   // Keeps plain text as pending text up to the next start; CR and LF, left by folded header
   // lines, are dropped. Returns where it stopped.
   size_t KeepPlainText(size_t at) {
     while (at < text_.size()) {
-      size_t stop = std::min(text_.find_first_of(kPlainTextStops, at), text_.size());
+      size_t stop = PlainTextStop(at);
       pending_.append(text_, at, stop - at);
       at = stop;
       if (at == text_.size() || WordStartsAt(at)) break;

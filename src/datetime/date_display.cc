@@ -2,7 +2,9 @@
 
 #include <mailslice/device.h>
 
+#include <algorithm>
 #include <array>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -31,11 +33,8 @@ constexpr int kNoon = 12;
 // The date pattern when the language's catalog gives none: weekday, month, day, year.
 constexpr char16_t kFallbackDatePattern[] = u"%W, %M %D, %Y";
 
-CSystemValue EmailMessages() {
-  CSystemValue messages;
-  messages.LoadMessageFile(u"Email");
-  return messages;
-}
+// A CSystemValue comes with the "Email" message file of the device's language loaded.
+CSystemValue EmailMessages() { return CSystemValue(); }
 
 int LanguageCode() { return CVelEdit().GetCurrentLanguageCode(); }
 
@@ -48,10 +47,37 @@ std::u16string Decimal(int value) {
   return std::u16string(digits.begin(), digits.end());
 }
 
+CString MessageOf(const CSystemValue& messages, std::span<const int> numbers, int index) {
+  if (index < 1 || index > static_cast<int>(numbers.size())) return CString();
+  return messages.GetMessageW(numbers[static_cast<size_t>(index - 1)]);
+}
+
+CString MarkedTime(const CSystemValue& messages, const CString& time, int marker) {
+  if (marker != kMorningMarker && marker != kAfternoonMarker) return time;
+  CString word = messages.GetMessageW(marker);
+  bool first = MarkerGoesFirst(LanguageCode());
+  std::u16string_view before = first ? word.Str() : time.Str();
+  std::u16string_view after = first ? time.Str() : word.Str();
+  std::u16string text;
+  text.reserve(before.size() + 1 + after.size());
+  text.append(before).append(1, u' ').append(after);
+  return CString(std::move(text));
+}
+
+// The field of a "year/month/day hour:minute:second" text at a place, cut as CString's Mid
+// cuts, read as a number.
+int NumberAt(std::u16string_view text, int first, int count) {
+  int length = static_cast<int>(text.size());
+  first = std::clamp(first, 0, length);
+  count = std::clamp(count, 0, length - first);
+  return LeadingInteger(text.substr(static_cast<size_t>(first), static_cast<size_t>(count)));
+}
+
 // Fills a date pattern: %W weekday name, %M month name, %m month number, %D day, %Y year, %% a
 // percent sign. Only these conversions exist, so a pattern from a message file can put nothing
 // but these fields in the text; any other "%" sequence is kept as written.
-std::u16string ExpandDatePattern(std::u16string_view pattern, const CalendarTime& time) {
+std::u16string ExpandDatePattern(std::u16string_view pattern, const CalendarTime& time,
+                                 const CSystemValue& messages) {
   std::u16string out;
   for (size_t at = 0; at < pattern.size(); ++at) {
     if (pattern[at] != u'%' || at + 1 == pattern.size()) {
@@ -60,10 +86,10 @@ std::u16string ExpandDatePattern(std::u16string_view pattern, const CalendarTime
     }
     switch (pattern[++at]) {
       case u'W':
-        out += WeekdayName(time.dayOfWeek).Str();
+        out += MessageOf(messages, kWeekdayMessages, time.dayOfWeek).Str();
         break;
       case u'M':
-        out += MonthName(time.month).Str();
+        out += MessageOf(messages, kMonthMessages, time.month).Str();
         break;
       case u'm':
         out += Decimal(time.month);
@@ -94,29 +120,29 @@ int TimeZoneBias() {
 
 CString MonthName(int month) {
   if (month < 1 || month > static_cast<int>(kMonthMessages.size())) return CString();
-  return EmailMessages().GetMessageW(kMonthMessages[month - 1]);
+  return MessageOf(EmailMessages(), kMonthMessages, month);
 }
 
 CString WeekdayName(int weekday) {
   if (weekday < 1 || weekday > static_cast<int>(kWeekdayMessages.size())) return CString();
-  return EmailMessages().GetMessageW(kWeekdayMessages[weekday - 1]);
+  return MessageOf(EmailMessages(), kWeekdayMessages, weekday);
 }
 
 CString WithDayHalfMarker(const CString& time, int marker) {
   if (marker != kMorningMarker && marker != kAfternoonMarker) return time;
-  CString word = EmailMessages().GetMessageW(marker);
-  if (MarkerGoesFirst(LanguageCode())) return word + u" " + time;
-  return time + u" " + word;
+  return MarkedTime(EmailMessages(), time, marker);
 }
 
 std::optional<double> LocalDateOf(const CString& universalTime) {
+  std::u16string_view text = universalTime.Str();
+  int length = universalTime.GetLength();
   CalendarTime written;
-  written.year = LeadingInteger(universalTime.Left(4).Str());
-  written.month = LeadingInteger(universalTime.Mid(5, 2).Str());
-  written.day = LeadingInteger(universalTime.Mid(8, 2).Str());
-  written.hour = LeadingInteger(universalTime.Mid(11, 2).Str());
-  written.minute = LeadingInteger(universalTime.Mid(14, 2).Str());
-  written.second = LeadingInteger(universalTime.Right(2).Str());
+  written.year = NumberAt(text, 0, 4);
+  written.month = NumberAt(text, 5, 2);
+  written.day = NumberAt(text, 8, 2);
+  written.hour = NumberAt(text, 11, 2);
+  written.minute = NumberAt(text, 14, 2);
+  written.second = NumberAt(text, length - 2, 2);
   auto date = platform::ToOleDate(written);
   if (!date) return std::nullopt;
   return platform::AddSpan(*date, 0, 0, TimeZoneBias(), 0);
@@ -130,7 +156,8 @@ CString DisplayTimeOf(const CString& universalTime) {
 }
 
 CString TimeText(double date) {
-  std::u16string format = EmailMessages().GetMessageW(kTimeFormatMessage).Str();
+  CSystemValue messages = EmailMessages();
+  std::u16string format = messages.GetMessageW(kTimeFormatMessage).Str();
   int clock = LoadTimeFormat();
   auto time = platform::FromOleDate(date);
   if (!time) return CString();
@@ -141,7 +168,7 @@ CString TimeText(double date) {
   bool afternoon = time->hour >= kNoon;
   int shownHour = time->hour % kNoon == 0 ? kNoon : time->hour % kNoon;
   CString text(platform::FormatIntegers(format, {shownHour, time->minute, time->second}));
-  return WithDayHalfMarker(text, afternoon ? kAfternoonMarker : kMorningMarker);
+  return MarkedTime(messages, text, afternoon ? kAfternoonMarker : kMorningMarker);
 }
 
 // The date is written with the pattern that the "Resource" catalog of the device's language
@@ -154,7 +181,7 @@ CString DateText(double date) {
   if (!time) return CString();
   CString pattern = CVelEdit().GetResource(kDatePatternResource);
   if (pattern.IsEmpty()) pattern = kFallbackDatePattern;
-  return CString(ExpandDatePattern(pattern.Str(), *time));
+  return CString(ExpandDatePattern(pattern.Str(), *time, EmailMessages()));
 }
 
 }  // namespace mailslice::datetime

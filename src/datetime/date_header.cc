@@ -7,6 +7,7 @@
 
 #include "datetime/text_number.h"
 #include "platform/ole_date.h"
+#include "platform/white_space.h"
 
 namespace mailslice::datetime {
 namespace {
@@ -25,10 +26,12 @@ constexpr size_t kZoneLength = 5;  // "+0900"
 
 // Trace lines ("Received: ...; Mon, 5 Jan 2009 ...") carry the date after their last ";".
 std::u16string DateAfterLastSemicolon(const CString& value) {
-  CString date = value;
-  if (int semicolon = date.ReverseFind(u';'); semicolon >= 0) date = date.Mid(semicolon + 1);
-  date.Trim();
-  return date.Str();
+  std::u16string_view date = value.Str();
+  if (size_t semicolon = date.rfind(u';'); semicolon != date.npos) {
+    date.remove_prefix(semicolon + 1);
+  }
+  platform::TrimmedRange kept = platform::Untrimmed(date);
+  return std::u16string(date.substr(kept.begin, kept.end - kept.begin));
 }
 
 bool StartsWithDayName(std::u16string_view date) {
@@ -57,14 +60,10 @@ void StartAtDayName(std::u16string& date) {
   }
 }
 
-std::u16string CollapseBlanks(std::u16string_view date) {
-  std::u16string collapsed;
-  collapsed.reserve(date.size());
-  for (char16_t ch : date) {
-    if (ch == u' ' && !collapsed.empty() && collapsed.back() == u' ') continue;
-    collapsed += ch;
-  }
-  return collapsed;
+// Runs of blanks become one blank, in place.
+void CollapseBlanks(std::u16string& date) {
+  auto blanks = [](char16_t kept, char16_t next) { return kept == u' ' && next == u' '; };
+  date.erase(std::unique(date.begin(), date.end(), blanks), date.end());
 }
 
 // Stores the tokens between blanks and colons in order. Tabs are not delimiters: the header
@@ -72,19 +71,19 @@ std::u16string CollapseBlanks(std::u16string_view date) {
 // a rule) is not stored as a token.
 void StoreTokens(std::u16string_view date, DateFields fields) {
   int index = kDayOfWeekField;
-  std::u16string token;
-  for (char16_t ch : date) {
-    if (ch != u' ' && ch != u':') {
-      token += ch;
-      continue;
-    }
+  size_t begin = 0;
+  for (size_t at = 0; at < date.size(); ++at) {
+    if (date[at] != u' ' && date[at] != u':') continue;
+    std::u16string_view token = date.substr(begin, at - begin);
+    begin = at + 1;
     if (index == kDayOfWeekField && token.size() < kShortestDayName) {
       fields[kDayOfWeekField].Empty();  // the date begins with the day of the month
       index = kDayField;
     }
-    if (index == kDayField && token.size() == 1) token.insert(0, 1, u'0');
-    fields[index++] = CString(std::move(token));
-    token.clear();
+    std::u16string text;
+    if (index == kDayField && token.size() == 1) text += u'0';
+    text.append(token);
+    fields[index++] = CString(std::move(text));
     if (index == kDateFieldCount) return;  // further tokens have no entry
   }
 }
@@ -99,9 +98,13 @@ void StoreZone(std::u16string_view date, DateFields fields) {
 
 // Minutes to add to the written time to reach Coordinated Universal Time: "+0900" gives -540.
 int MinutesToUniversalTime(const CString& zone) {
-  if (zone.IsEmpty()) return 0;
-  int minutes = LeadingInteger(zone.Mid(1, 2).Str()) * 60 + LeadingInteger(zone.Right(2).Str());
-  return zone.GetAt(0) == u'+' ? -minutes : minutes;
+  std::u16string_view text = zone.Str();
+  if (text.empty()) return 0;
+  // The hours at 1 (two digits, or what is left), the minutes in the last two places.
+  std::u16string_view hours = text.substr(std::min<size_t>(1, text.size()), 2);
+  std::u16string_view minutes = text.substr(text.size() - std::min<size_t>(2, text.size()));
+  int total = LeadingInteger(hours) * 60 + LeadingInteger(minutes);
+  return text[0] == u'+' ? -total : total;
 }
 
 int MonthNumber(const CString& name) {
@@ -128,17 +131,17 @@ std::optional<CalendarTime> UniversalTime(DateFields fields) {
 
 // printf's "%0<width>d": the digits, after a minus sign, filled with zeros to `width`.
 CString Padded(size_t width, int value) {
-  std::u16string text;
-  long long rest = value;
-  bool negative = rest < 0;
-  if (negative) rest = -rest;
+  unsigned magnitude = value < 0 ? 0u - static_cast<unsigned>(value) : static_cast<unsigned>(value);
+  size_t digits = 1;
+  for (unsigned rest = magnitude / 10; rest != 0; rest /= 10) ++digits;
+  size_t sign = value < 0 ? 1 : 0;
+  std::u16string text(std::max(width, digits + sign), u'0');
+  size_t at = text.size();
   do {
-    text.push_back(static_cast<char16_t>(u'0' + rest % 10));
-    rest /= 10;
-  } while (rest != 0);
-  while (text.size() + (negative ? 1 : 0) < width) text.push_back(u'0');
-  if (negative) text.push_back(u'-');
-  std::reverse(text.begin(), text.end());
+    text[--at] = static_cast<char16_t>(u'0' + magnitude % 10);
+    magnitude /= 10;
+  } while (magnitude != 0);
+  if (sign != 0) text[0] = u'-';
   return CString(std::move(text));
 }
 
@@ -163,19 +166,20 @@ void WriteBack(const std::optional<CalendarTime>& time, DateFields fields) {
 void ParseDateHeader(const CString& value, DateFields fields) {
   std::u16string date = DateAfterLastSemicolon(value);
   StartAtDayName(date);
-  date = CollapseBlanks(date);
+  CollapseBlanks(date);
   StoreTokens(date, fields);
   StoreZone(date, fields);
   WriteBack(UniversalTime(fields), fields);
 }
 
 CString JoinDateFields(std::span<const CString, kDateFieldCount> fields) {
-  CString joined;
-  joined.Format(u"%s/%s/%s %s:%s:%s", fields[kYearField].GetString(),
-                fields[kMonthField].GetString(), fields[kDayField].GetString(),
-                fields[kHourField].GetString(), fields[kMinuteField].GetString(),
-                fields[kSecondField].GetString());
-  return joined;
+  // Each field as "%s" writes it: up to its first NUL.
+  auto text = [&](DateField field) { return std::u16string_view(fields[field].GetString()); };
+  std::u16string joined;
+  joined.append(text(kYearField)).append(u"/").append(text(kMonthField)).append(u"/");
+  joined.append(text(kDayField)).append(u" ").append(text(kHourField)).append(u":");
+  joined.append(text(kMinuteField)).append(u":").append(text(kSecondField));
+  return CString(std::move(joined));
 }
 
 }  // namespace mailslice::datetime

@@ -2,11 +2,14 @@
 
 #include <mailslice/device.h>
 
+#include <algorithm>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "codec/encoded_word.h"
 #include "codec/header_text.h"
+#include "platform/wide_search.h"
 
 namespace mailslice::header {
 namespace {
@@ -59,30 +62,48 @@ class ForwardFinder {
   bool searched_ = false;
 };
 
+// CString's Find on a view: the first `sub` at or after `start`, -1 for none or for a start
+// outside the text.
+int FindFrom(std::u16string_view text, std::u16string_view sub, int start) {
+  if (start < 0 || start > static_cast<int>(text.size())) return -1;
+  size_t at = platform::FindUnits(text, sub, static_cast<size_t>(start));
+  return at == std::u16string_view::npos ? -1 : static_cast<int>(at);
+}
+
+// CString's Mid on a view: the place and the count are clamped to the text, in that order.
+std::u16string_view MidOf(std::u16string_view text, int first, int count) {
+  int length = static_cast<int>(text.size());
+  first = std::clamp(first, 0, length);
+  count = std::clamp(count, 0, length - first);
+  return text.substr(static_cast<size_t>(first), static_cast<size_t>(count));
+}
+
 // The encoded words of a subject, found the way the device has always found them: when the
 // first "?=" behind a word's start leaves room after it, the end is looked for again from 12
 // characters past the start, which passes the "?=" that a quoted-printable word holds when its
 // text begins with an escape ("?Q?=C3"). When the two ends differ, the word is taken to start
 // at the next "=?" behind the first end (or at the subject's start when there is none). Sets
 // `suffix` to the text behind the last end.
-CStringArray CollectWords(const CString& subject, CString& suffix) {
-  CStringArray words;
+std::vector<std::u16string_view> CollectWords(std::u16string_view subject,
+                                              std::u16string_view& suffix) {
+  std::vector<std::u16string_view> words;
+  int length = static_cast<int>(subject.size());
   for (int from = 0;;) {
-    int start = subject.Find(kWordStart, from);
+    int start = FindFrom(subject, kWordStart, from);
     if (start < 0) {
-      if (!words.IsEmpty()) suffix = subject.Mid(from + 2);
+      if (!words.empty()) suffix = MidOf(subject, from + 2, length);
       break;
     }
-    int end = subject.Find(kWordEnd, start);
-    if (end + kRoomAfterEnd <= subject.GetLength()) {
+    int end = FindFrom(subject, kWordEnd, start);
+    if (end + kRoomAfterEnd <= length) {
       int firstEnd = end;
-      end = subject.Find(kWordEnd, start + kSecondEndSearchOffset);
-      if (end != firstEnd) start = subject.Find(kWordStart, firstEnd);
+      end = FindFrom(subject, kWordEnd, start + kSecondEndSearchOffset);
+      if (end != firstEnd) start = FindFrom(subject, kWordStart, firstEnd);
     }
     if (end < 0) break;
     // A start behind the end gives an empty word; a start before the subject counts from 0.
-    CString word = subject.Mid(start, end - start + 2);
-    if (!word.IsEmpty()) words.Add(word);
+    std::u16string_view word = MidOf(subject, start, end - start + 2);
+    if (!word.empty()) words.push_back(word);
     from = end;
   }
   return words;
@@ -107,25 +128,36 @@ CString MailFromAddress(const CString& value) {
 // Mail programs fold a long subject into several words; the blanks between them belong to
 // the folding, not to the subject, so whatever stands between two words is dropped.
 CString ParsingSubject(const CString& value) {
-  int firstWord = value.Find(kWordStart);
+  std::u16string_view subject = value.Str();
+  int firstWord = FindFrom(subject, kWordStart, 0);
   if (firstWord < 0) return value;
-  CString suffix;
-  CStringArray words = CollectWords(value, suffix);
+  std::u16string_view suffix;
+  std::vector<std::u16string_view> words = CollectWords(subject, suffix);
   // With no word cut out the whole subject is decoded as one, behind its own prefix again.
-  if (words.IsEmpty()) words.Add(value);
-  CString joined;
-  for (int index = 0; index < words.GetSize(); ++index) {
-    joined += codec::DecodeEncodedWord(words.GetAt(index));
+  if (words.empty()) words.push_back(subject);
+  std::u16string joined(subject.substr(0, static_cast<size_t>(firstWord)));
+  for (std::u16string_view word : words) {
+    joined += codec::DecodeEncodedWord(CString(std::u16string(word))).Str();
   }
-  return value.Left(firstWord) + joined + suffix;
+  joined += suffix;
+  return CString(std::move(joined));
 }
 
 void CcList(const CString& value, CStringArray* list) {
   if (list == nullptr) return;
-  CString cleaned(value);
-  cleaned.Replace(u"\r\n", u"");
-  cleaned.Remove(u'\t');
-  std::u16string_view text = cleaned.Str();
+  // The CR LF pairs of the folded value go, then its tabs (which leave a CR and an LF they
+  // stood between as they are), in one pass.
+  std::u16string_view raw = value.Str();
+  std::u16string cleaned;
+  cleaned.reserve(raw.size());
+  for (size_t at = 0; at < raw.size(); ++at) {
+    if (raw[at] == u'\r' && at + 1 < raw.size() && raw[at + 1] == u'\n') {
+      ++at;
+    } else if (raw[at] != u'\t') {
+      cleaned += raw[at];
+    }
+  }
+  std::u16string_view text = cleaned;
   Span rest{0, text.size()};
   Trim(text, rest);
   ForwardFinder closes(text, u'>');

@@ -1,11 +1,15 @@
 #include "header/field_lookup.h"
 
 #include <algorithm>
+#include <cstring>
+#include <string_view>
+#include <vector>
 
 #include "header/header_block.h"
 #include "platform/code_page.h"
 #include "platform/device_settings.h"
 #include "platform/letter_case.h"
+#include "platform/white_space.h"
 #include "platform/wide_search.h"
 
 namespace mailslice::header {
@@ -29,17 +33,16 @@ std::u16string Joined(std::u16string_view first, std::u16string_view second,
 bool IsBlank(char16_t ch) { return ch == u' ' || ch == u'\t'; }
 
 // Where the value that starts at `start` ends: at the line break that is not followed by a
-// continuation line, or at the end of the block. Bare-LF headers look two characters ahead,
-// so a line that starts with a single blank after an LF does not continue the field.
+// continuation line, or at a NUL, or at the end of the block. Bare-LF headers look two
+// characters ahead, so a line that starts with a single blank after an LF does not continue
+// the field.
 size_t ValueEnd(std::u16string_view text, size_t start, LineEnds lineEnds) {
   auto at = [&](size_t i) { return i < text.size() ? text[i] : u'\0'; };
-  for (size_t i = start; i < text.size(); ++i) {
-    if (at(i) == u'\0') return i;
-    if (lineEnds == LineEnds::kCrLf && at(i) == u'\r' && at(i + 1) == u'\n' &&
-        !IsBlank(at(i + 2))) {
-      return i;
-    }
-    if (lineEnds == LineEnds::kLf && at(i) == u'\n' && !IsBlank(at(i + 2))) return i;
+  const char16_t stops[] = {u'\0', lineEnds == LineEnds::kCrLf ? u'\r' : u'\n'};
+  for (size_t i = start; (i = platform::FindAnyUnit(text, {stops, 2}, i)) != text.npos; ++i) {
+    if (text[i] == u'\0') return i;
+    if (lineEnds == LineEnds::kCrLf && at(i + 1) == u'\n' && !IsBlank(at(i + 2))) return i;
+    if (lineEnds == LineEnds::kLf && !IsBlank(at(i + 2))) return i;
   }
   return text.size();
 }
@@ -49,12 +52,16 @@ size_t ValueEnd(std::u16string_view text, size_t start, LineEnds lineEnds) {
 std::u16string WithoutCrLfPairs(std::u16string_view text) {
   std::u16string result;
   result.reserve(text.size());
-  for (char16_t ch : text) {
-    if (ch == u'\n' && !result.empty() && result.back() == u'\r') {
+  for (size_t from = 0; from < text.size();) {
+    size_t lf = std::min(platform::FindUnit(text, u'\n', from), text.size());
+    result.append(text.substr(from, lf - from));
+    if (lf == text.size()) break;
+    if (!result.empty() && result.back() == u'\r') {
       result.pop_back();
     } else {
-      result += ch;
+      result += u'\n';
     }
+    from = lf + 1;
   }
   return result;
 }
@@ -75,23 +82,16 @@ std::u16string Unfold(std::u16string value, LineEnds lineEnds) {
   return WithoutCrLfPairs(value);
 }
 
-// A header block made ready for lookups: with a line break in front, so that a field on the
-// first line matches like any other, and the same folded to lower case.
-struct PreparedBlock {
-  std::u16string text;
-  std::u16string folded;
+// The search for a field anywhere in the block, for any name: the block folded to lower case
+// is searched for a line break, the folded name and a colon. Returns where the value starts
+// and how the header ends its lines, or npos.
+struct FoundValue {
+  size_t start = std::u16string::npos;
+  LineEnds lineEnds = LineEnds::kCrLf;
 };
 
-PreparedBlock Prepare(std::u16string_view headerBlock) {
-  PreparedBlock block;
-  block.text = Joined(u"\r\n", headerBlock);
-  block.folded = Folded(block.text);
-  return block;
-}
-
-CString FindField(const PreparedBlock& block, std::u16string_view name, int occurrence) {
-  const std::u16string& text = block.text;
-  const std::u16string& folded = block.folded;
+FoundValue SearchValue(std::u16string_view text, std::u16string_view name, int occurrence) {
+  std::u16string folded = Folded(text);
   std::u16string foldedName = Folded(name);
   std::u16string pattern = Joined(u"\r\n", foldedName, u":");
   LineEnds lineEnds = LineEnds::kCrLf;
@@ -104,37 +104,143 @@ CString FindField(const PreparedBlock& block, std::u16string_view name, int occu
   for (int skipped = 0; skipped < occurrence && match != std::u16string::npos; ++skipped) {
     match = platform::FindUnits(folded, pattern, match + pattern.size());
   }
-  if (match == std::u16string::npos) return CString();
-  size_t start = match + pattern.size();
-  size_t end = ValueEnd(text, start, lineEnds);
-  std::u16string value = Unfold(text.substr(start, end - start), lineEnds);
+  if (match == std::u16string::npos) return {};
+  return {match + pattern.size(), lineEnds};
+}
+
+// A header block made ready for lookups: with a line break in front, so that a field on the
+// first line matches like any other, the places where its lines start (just past each LF),
+// where a field's name can begin, and the first character of each line folded to lower case,
+// which passes over most lines at one look.
+struct PreparedBlock {
+  std::u16string text;
+  std::vector<size_t> lineStarts;
+  std::u16string lineFirsts;  // u'\0' for a line start at the end of the block
+};
+
+void IndexLines(PreparedBlock& block) {
+  block.lineStarts.clear();
+  block.lineFirsts.clear();
+  std::u16string_view text = block.text;
+  for (size_t lf = 0; (lf = platform::FindUnit(text, u'\n', lf)) != text.npos;) {
+    block.lineStarts.push_back(++lf);
+    block.lineFirsts += lf < text.size() ? platform::ToLowerLetter(text[lf]) : u'\0';
+  }
+}
+
+void Prepare(std::u16string_view headerBlock, PreparedBlock& block) {
+  block.text.assign(u"\r\n").append(headerBlock);
+  IndexLines(block);
+}
+
+// The same from the header bytes, widened through the device ANSI code page behind the line
+// break.
+void PrepareBytes(std::string_view headerBytes, PreparedBlock& block) {
+  block.text.assign(u"\r\n");
+  platform::AnsiReader().AppendWidened(headerBytes, block.text);
+  IndexLines(block);
+}
+
+// Whether a line start can find `name`: a name without a colon or line break cannot run over
+// a line start, so its matches are the lines that begin with it and a colon, in order.
+bool FitsLineStarts(std::u16string_view name) {
+  return name.find_first_of(u":\r\n") == std::u16string_view::npos;
+}
+
+bool NameAt(std::u16string_view text, size_t start, std::u16string_view name) {
+  if (text.size() - start <= name.size() || text[start + name.size()] != u':') return false;
+  for (size_t at = 0; at < name.size(); ++at) {
+    if (platform::ToLowerLetter(text[start + at]) != platform::ToLowerLetter(name[at])) {
+      return false;
+    }
+  }
+  return true;
+}
+
+// The lines that begin with `name` and a colon: after a CR LF in the first pass, after any
+// LF in the second, which is made only when the first finds none. As the search above.
+FoundValue IndexedValue(const PreparedBlock& block, std::u16string_view name, int occurrence) {
+  for (LineEnds lineEnds : {LineEnds::kCrLf, LineEnds::kLf}) {
+    int seen = 0;
+    for (size_t line = 0; line < block.lineStarts.size(); ++line) {
+      if (!name.empty() && block.lineFirsts[line] != platform::ToLowerLetter(name[0])) continue;
+      size_t start = block.lineStarts[line];
+      if (lineEnds == LineEnds::kCrLf && block.text[start - 2] != u'\r') continue;
+      if (!NameAt(block.text, start, name)) continue;
+      if (seen++ >= occurrence) return {start + name.size() + 1, lineEnds};
+    }
+    if (seen > 0) return {};
+  }
+  return {};
+}
+
+// The value as shown: unfolded, tabs made spaces, trimmed. A value on one line needs no
+// unfolding, and trimming it before its tabs become spaces leaves the same text, tab and
+// space both being trimmed.
+CString ValueFrom(std::u16string_view text, FoundValue found) {
+  if (found.start == std::u16string::npos) return CString();
+  size_t end = ValueEnd(text, found.start, found.lineEnds);
+  std::u16string_view raw = text.substr(found.start, end - found.start);
+  std::u16string value;
+  if (platform::FindUnit(raw, u'\n') == std::u16string_view::npos) {
+    platform::TrimmedRange kept = platform::Untrimmed(raw);
+    value.assign(raw.substr(kept.begin, kept.end - kept.begin));
+  } else {
+    value = Unfold(std::u16string(raw), found.lineEnds);
+    platform::TrimSpaces(value);
+  }
   std::replace(value.begin(), value.end(), u'\t', u' ');
-  CString result(std::move(value));
-  result.Trim();
-  return result;
+  return CString(std::move(value));
+}
+
+CString FindField(const PreparedBlock& block, std::u16string_view name, int occurrence) {
+  if (!FitsLineStarts(name))
+    return ValueFrom(block.text, SearchValue(block.text, name, occurrence));
+  return ValueFrom(block.text, IndexedValue(block, name, occurrence));
 }
 
 // A message is asked for From, To, Cc, Subject and Date in turn: its header block is widened
-// and folded once and kept, with the bytes and the code page it came from, for the next
+// and indexed once and kept, with the bytes and the code page it came from, for the next
 // lookup. A block is widened through the device ANSI code page alone, so the same bytes and
 // the same code page give the same block.
 class LastBlock {
  public:
-  const PreparedBlock& Of(std::string_view bytes) {
-    std::string codePage = platform::AnsiCodePageName();
-    if (!held_ || bytes != bytes_ || codePage != codePage_) {
+  // The kept block, when `message` still has the header it was made from: the same text at
+  // the same place, whose first CR LF CR LF ends the same header bytes as before.
+  const PreparedBlock* Holding(const char* message, const std::string& codePage) const {
+    if (!held_ || message != message_ || !endsAtCrLfPair_ || codePage != codePage_) {
+      return nullptr;
+    }
+    // Stops at a NUL that a changed message may hold; the kept bytes have none.
+    if (std::strncmp(message, bytes_.data(), bytes_.size()) != 0) return nullptr;
+    return &block_;
+  }
+
+  const PreparedBlock& Of(const char* message, std::string_view bytes, std::string codePage) {
+    std::string_view kept(bytes_.data(), bytes_.size() - (endsAtCrLfPair_ ? kCrLfPairSize : 0));
+    if (!held_ || bytes != kept || codePage != codePage_) {
       held_ = false;
-      block_ = Prepare(platform::AnsiToWide(bytes));
-      bytes_.assign(bytes);
+      PrepareBytes(bytes, block_);
       codePage_ = std::move(codePage);
       held_ = true;
     }
+    // With bare LF endings the header ends at an LF pair only where no CR LF CR LF follows it
+    // anywhere in the message, which comparing the header cannot tell.
+    message_ = message;
+    bytes_.assign(bytes);
+    endsAtCrLfPair_ = std::strncmp(message + bytes.size(), kCrLfPair, kCrLfPairSize) == 0;
+    if (endsAtCrLfPair_) bytes_.append(kCrLfPair);
     return block_;
   }
 
  private:
+  static constexpr const char* kCrLfPair = "\r\n\r\n";
+  static constexpr size_t kCrLfPairSize = 4;
+
   bool held_ = false;
-  std::string bytes_;
+  const char* message_ = nullptr;
+  bool endsAtCrLfPair_ = false;
+  std::string bytes_;  // the header bytes, and the CR LF CR LF when it ends them
   std::string codePage_;
   PreparedBlock block_;
 };
@@ -147,17 +253,23 @@ constexpr size_t kMaxKeptHeaderBytes = 64 * 1024;
 CString LookupFieldInBlock(std::u16string_view headerBlock, std::u16string_view name,
                            int occurrence) {
   if (headerBlock.empty()) return CString();
-  return FindField(Prepare(headerBlock), name, occurrence);
+  PreparedBlock block;
+  Prepare(headerBlock, block);
+  return FindField(block, name, occurrence);
 }
 
 CString LookupField(const char* message, std::u16string_view name, int occurrence) {
+  thread_local LastBlock last;
+  std::string codePage = platform::AnsiCodePageName();
+  if (const PreparedBlock* block = last.Holding(message, codePage)) {
+    return FindField(*block, name, occurrence);
+  }
   auto bytes = HeaderBytes(message);
   if (!bytes || bytes->empty()) return CString();
   if (bytes->size() > kMaxKeptHeaderBytes) {
     return LookupFieldInBlock(platform::AnsiToWide(*bytes), name, occurrence);
   }
-  thread_local LastBlock last;
-  return FindField(last.Of(*bytes), name, occurrence);
+  return FindField(last.Of(message, *bytes, std::move(codePage)), name, occurrence);
 }
 
 }  // namespace mailslice::header

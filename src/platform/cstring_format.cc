@@ -2,6 +2,7 @@
 // done here, every numeric conversion is handed to snprintf.
 #include <mailslice/cstring.h>
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <string>
@@ -91,6 +92,33 @@ void AppendNumber(std::u16string& out, const Conversion& conversion, T value) {
   out.append(text.begin(), text.begin() + size);  // ASCII only
 }
 
+// "%d" and "%0<width>d" (the forms message catalogs use for times and dates), written as
+// printf writes them: the digits after a minus sign, filled to the width with zeros after
+// the sign or with blanks before it.
+bool IsPlainDecimal(const Conversion& conversion) {
+  return (conversion.type == 'd' || conversion.type == 'i') && conversion.precision < 0 &&
+         conversion.flags.find_first_not_of('0') == std::string::npos;
+}
+
+void AppendPlainDecimal(std::u16string& out, const Conversion& conversion, int value) {
+  constexpr size_t kMostDigits = 10;
+  char digits[kMostDigits];
+  size_t count = 0;
+  unsigned magnitude = value < 0 ? 0u - static_cast<unsigned>(value) : static_cast<unsigned>(value);
+  do {
+    digits[count++] = static_cast<char>('0' + magnitude % 10);
+    magnitude /= 10;
+  } while (magnitude != 0);
+  size_t length = count + (value < 0 ? 1 : 0);
+  size_t width = conversion.width > 0 ? static_cast<size_t>(conversion.width) : 0;
+  size_t padding = width > length ? width - length : 0;
+  bool zeros = !conversion.flags.empty();
+  if (!zeros) out.append(padding, u' ');
+  if (value < 0) out += u'-';
+  if (zeros) out.append(padding, u'0');
+  while (count > 0) out += static_cast<char16_t>(digits[--count]);
+}
+
 void AppendInteger(std::u16string& out, const Conversion& conversion, va_list& args) {
   bool isSigned = conversion.type == 'd' || conversion.type == 'i';
   const std::string& length = conversion.length;
@@ -178,17 +206,34 @@ std::u16string FormatIntegers(std::u16string_view format, std::initializer_list<
   const int* next = values.begin();
   auto nextInt = [&] { return next == values.end() ? 0 : *next++; };
   std::u16string out;
-  std::u16string terminated(format);
-  for (const char16_t* at = terminated.c_str(); *at != u'\0';) {
+  out.reserve(format.size());
+  // The conversions are read from NUL-terminated text; a catalog's short format is copied to
+  // the stack for that.
+  constexpr size_t kShortFormat = 64;
+  char16_t shortCopy[kShortFormat];
+  std::u16string longCopy;
+  const char16_t* terminated = shortCopy;
+  if (format.size() < kShortFormat) {
+    std::copy(format.begin(), format.end(), shortCopy);
+    shortCopy[format.size()] = u'\0';
+  } else {
+    longCopy.assign(format);
+    terminated = longCopy.c_str();
+  }
+  for (const char16_t* at = terminated; *at != u'\0';) {
     if (*at != u'%') {
-      out += *at++;
+      const char16_t* text = at;
+      while (*at != u'\0' && *at != u'%') ++at;
+      out.append(text, at);
       continue;
     }
     const char16_t* start = at++;
     Conversion conversion = ReadConversion(at, nextInt);
     bool integer = conversion.type != 0 &&
                    std::string_view("diuoxX").find(conversion.type) != std::string_view::npos;
-    if (integer && conversion.length.empty()) {
+    if (integer && conversion.length.empty() && IsPlainDecimal(conversion)) {
+      AppendPlainDecimal(out, conversion, nextInt());
+    } else if (integer && conversion.length.empty()) {
       AppendNumber(out, conversion, nextInt());
     } else if (conversion.type == '%' && at == start + 2) {
       out += u'%';

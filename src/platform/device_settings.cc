@@ -3,29 +3,50 @@
 #include <pwd.h>
 #include <unistd.h>
 
+#include <bit>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <utility>
-#include <vector>
+#include <new>
+#include <string_view>
 
 namespace mailslice::platform {
 namespace {
 
+constexpr std::array<std::string_view, static_cast<size_t>(Setting::kCount)> kVariableNames = {
+    "MAILSLICE_DEVICE_TYPE",
+    "MAILSLICE_LANGUAGE",
+    "MAILSLICE_CODEPAGE",
+    "MAILSLICE_MESSAGES",
+    "MAILSLICE_REGISTRY",
+    "MAILSLICE_TEMP",
+    "XDG_CONFIG_HOME",
+    "HOME",
+    "TMPDIR"};
+static_assert(kVariableNames.size() <= EnvironmentNames::kMaxNames);
+constexpr EnvironmentNames kNames(kVariableNames);
+
 thread_local SettingsScope* g_scope = nullptr;
 
-std::optional<std::string> ReadVariable(const char* name) {
-  const char* value = std::getenv(name);
-  if (value == nullptr || *value == '\0') return std::nullopt;
-  return std::string(value);
+// Runs `read` in the open scope, or in a scope of its own for a reading outside any.
+template <typename Read>
+auto InScope(Read read) {
+  if (g_scope != nullptr) return read(*g_scope);
+  SettingsScope scope{SettingsScope::Alone{}};
+  return read(scope);
 }
 
-std::optional<std::string> Variable(const char* name) { return KeptVariable(name); }
+std::optional<std::string> Variable(Setting setting) {
+  return InScope([setting](SettingsScope& scope) -> std::optional<std::string> {
+    if (const std::string* value = scope.Variable(setting)) return *value;
+    return std::nullopt;
+  });
+}
 
 // A setting that is not a whole number falls back to its default.
-int IntegerVariable(const char* name, int fallback) {
-  auto text = Variable(name);
-  if (!text) return fallback;
+int IntegerVariable(SettingsScope& scope, Setting setting, int fallback) {
+  const std::string* text = scope.Variable(setting);
+  if (text == nullptr) return fallback;
   errno = 0;
   char* end = nullptr;
   long value = std::strtol(text->c_str(), &end, 10);
@@ -36,8 +57,14 @@ int IntegerVariable(const char* name, int fallback) {
   return static_cast<int>(value);
 }
 
+// The language, its code page and the message files are asked for together: text is
+// converted, and words are shown, in the language of the device.
+void KeepLanguageSettings(SettingsScope& scope) {
+  scope.Keep({Setting::kLanguage, Setting::kCodePage, Setting::kMessages});
+}
+
 std::optional<std::string> HomeFolder() {
-  if (auto home = Variable("HOME")) return home;
+  if (auto home = Variable(Setting::kHome)) return home;
   if (const passwd* entry = getpwuid(getuid()); entry != nullptr && entry->pw_dir != nullptr) {
     return std::string(entry->pw_dir);
   }
@@ -52,22 +79,41 @@ SettingsScope::SettingsScope() : outermost_(g_scope == nullptr) {
 
 SettingsScope::~SettingsScope() {
   if (outermost_) g_scope = nullptr;
-}
-
-std::optional<std::string> KeptVariable(const char* name) {
-  if (g_scope == nullptr) return ReadVariable(name);
-  for (const auto& [known, value] : g_scope->read_) {
-    if (std::strcmp(known, name) == 0) return value;
+  for (uint32_t left = present_; left != 0; left &= left - 1) {
+    slots_[static_cast<size_t>(std::countr_zero(left))].value.~basic_string();
   }
-  return g_scope->read_.emplace_back(name, ReadVariable(name)).second;
 }
 
-int DeviceType() { return IntegerVariable("MAILSLICE_DEVICE_TYPE", 0); }
+void SettingsScope::Read(uint32_t settings) {
+  // A setting first asked for after the pass is read again only when the environment has
+  // changed since, which only the caller's own code within a scope can do.
+  if (!pass_.Unchanged(environ)) pass_.Read(kNames, environ);
+  for (uint32_t left = settings; left != 0; left &= left - 1) {
+    auto index = static_cast<size_t>(std::countr_zero(left));
+    const char* value = pass_.Value(index);
+    if (value != nullptr && *value != '\0') {
+      new (&slots_[index].value) std::string(value);
+      present_ |= uint32_t{1} << index;
+    }
+  }
+  kept_ |= settings;
+}
+
+int DeviceType() {
+  return InScope(
+      [](SettingsScope& scope) { return IntegerVariable(scope, Setting::kDeviceType, 0); });
+}
 
 int LanguageCode() {
-  if (g_scope == nullptr) return IntegerVariable("MAILSLICE_LANGUAGE", 1);
-  if (!g_scope->languageCode_) g_scope->languageCode_ = IntegerVariable("MAILSLICE_LANGUAGE", 1);
-  return *g_scope->languageCode_;
+  // Asked at every conversion: once worked out, it is taken straight from the scope.
+  if (g_scope != nullptr && g_scope->languageCode_) return *g_scope->languageCode_;
+  return InScope([](SettingsScope& scope) {
+    if (!scope.languageCode_) {
+      KeepLanguageSettings(scope);
+      scope.languageCode_ = IntegerVariable(scope, Setting::kLanguage, 1);
+    }
+    return *scope.languageCode_;
+  });
 }
 
 std::string CodePageNameForLanguage(int languageCode) {
@@ -88,26 +134,39 @@ std::string CodePageNameForLanguage(int languageCode) {
 }
 
 std::string AnsiCodePageName() {
-  auto workOut = [] {
-    if (auto name = Variable("MAILSLICE_CODEPAGE")) return *name;
-    return CodePageNameForLanguage(LanguageCode());
-  };
-  if (g_scope == nullptr) return workOut();
-  if (!g_scope->codePageName_) g_scope->codePageName_ = workOut();
-  return *g_scope->codePageName_;
+  if (g_scope != nullptr && g_scope->codePageName_) return *g_scope->codePageName_;
+  return InScope([](SettingsScope& scope) {
+    if (!scope.codePageName_) {
+      KeepLanguageSettings(scope);
+      const std::string* name = scope.Variable(Setting::kCodePage);
+      scope.codePageName_ = name != nullptr ? *name : CodePageNameForLanguage(LanguageCode());
+    }
+    return *scope.codePageName_;
+  });
 }
 
-std::optional<std::string> MessagesFolder() { return Variable("MAILSLICE_MESSAGES"); }
+std::optional<std::string> MessagesFolder() {
+  return InScope([](SettingsScope& scope) {
+    KeepLanguageSettings(scope);
+    const std::string* folder = scope.Variable(Setting::kMessages);
+    return folder != nullptr ? std::optional<std::string>(*folder) : std::nullopt;
+  });
+}
 
 std::optional<std::string> RegistryPath() {
-  if (auto path = Variable("MAILSLICE_REGISTRY")) return path;
-  if (auto config = Variable("XDG_CONFIG_HOME")) return *config + "/mailslice/registry.reg";
-  if (auto home = HomeFolder()) return *home + "/.config/mailslice/registry.reg";
-  return std::nullopt;
+  return InScope([](SettingsScope& scope) -> std::optional<std::string> {
+    scope.Keep({Setting::kRegistry, Setting::kConfigHome, Setting::kHome});
+    if (const std::string* path = scope.Variable(Setting::kRegistry)) return *path;
+    if (const std::string* config = scope.Variable(Setting::kConfigHome)) {
+      return *config + "/mailslice/registry.reg";
+    }
+    if (auto home = HomeFolder()) return *home + "/.config/mailslice/registry.reg";
+    return std::nullopt;
+  });
 }
 
-std::optional<std::string> TempFolderSetting() { return Variable("MAILSLICE_TEMP"); }
+std::optional<std::string> TempFolderSetting() { return Variable(Setting::kTemp); }
 
-std::string HostTempRoot() { return Variable("TMPDIR").value_or("/tmp"); }
+std::string HostTempRoot() { return Variable(Setting::kTempRoot).value_or("/tmp"); }
 
 }  // namespace mailslice::platform

@@ -46,8 +46,6 @@ struct CatalogSource {
   std::u16string name;
   int language = 0;
   std::optional<std::string> file;
-
-  bool operator==(const CatalogSource&) const = default;
 };
 
 // Dates are shown several times per message, each time asking for the same catalogs; the ones
@@ -55,9 +53,13 @@ struct CatalogSource {
 // still read on every call, so a changed file is seen at once.
 class CatalogCache {
  public:
-  std::shared_ptr<const MessageCatalog> Find(const CatalogSource& source) const {
+  std::shared_ptr<const MessageCatalog> Find(std::u16string_view name, int language,
+                                             const std::optional<std::string>& file) const {
     for (const Entry& entry : entries_) {
-      if (entry.source == source) return entry.catalog;
+      const CatalogSource& source = entry.source;
+      if (source.language == language && source.name == name && source.file == file) {
+        return entry.catalog;
+      }
     }
     return nullptr;
   }
@@ -120,14 +122,15 @@ void MessageCatalog::FillFrom(std::span<const BuiltinMessage> messages) {
 }
 
 std::shared_ptr<const MessageCatalog> LoadCatalog(std::u16string_view name, int language) {
-  CatalogSource source{std::u16string(name), language, std::nullopt};
+  std::optional<std::string> file;
   if (auto folder = MessagesFolder()) {
     std::string fileName = WideToMultiByte(kUtf8CodePage, name);
-    source.file = ReadWholeFile(*folder + "/" + std::to_string(language) + "/" + fileName);
-    if (!source.file) source.file = ReadWholeFile(*folder + "/" + fileName);
+    file = ReadWholeFile(*folder + "/" + std::to_string(language) + "/" + fileName);
+    if (!file) file = ReadWholeFile(*folder + "/" + fileName);
   }
   thread_local CatalogCache cache;
-  if (auto catalog = cache.Find(source)) return catalog;
+  if (auto catalog = cache.Find(name, language, file)) return catalog;
+  CatalogSource source{std::u16string(name), language, std::move(file)};
   auto catalog = Build(source);
   // A missing catalog costs nothing to find again.
   if (catalog) cache.Add(std::move(source), catalog);

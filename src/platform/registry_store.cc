@@ -18,6 +18,7 @@ constexpr std::string_view kHeader = "Windows Registry Editor Version 5.00";
 constexpr std::string_view kDwordPrefix = "=dword:";
 
 bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
+  if (a == b) return true;  // as written, the usual case
   return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
     auto lower = [](char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c + 32) : c; };
     return lower(x) == lower(y);
@@ -39,34 +40,83 @@ std::optional<std::string_view> ValueName(std::string_view line) {
   return line.substr(1, close - 1);
 }
 
+Section& FindOrAddSection(std::vector<Section>& sections, std::string_view keyPath) {
+  for (Section& section : sections) {
+    if (EqualsIgnoringCase(section.keyPath, keyPath)) return section;
+  }
+  sections.push_back({std::string(keyPath), {}});
+  return sections.back();
+}
+
+std::vector<Section> ParseSections(std::string_view content) {
+  std::vector<Section> sections;
+  Section* current = nullptr;
+  while (!content.empty()) {
+    size_t end = content.find('\n');
+    std::string_view line = content.substr(0, end);
+    content.remove_prefix(end == std::string_view::npos ? content.size() : end + 1);
+    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+    if (line.size() >= 2 && line.front() == '[' && line.back() == ']') {
+      current = &FindOrAddSection(sections, line.substr(1, line.size() - 2));
+    } else if (current != nullptr && !line.empty()) {
+      current->lines.emplace_back(line);
+    }
+  }
+  return sections;
+}
+
+// The sections of the content read last: the store is read for every time shown and hardly
+// ever changes, so the same content is not parsed again.
+class ParsedContent {
+ public:
+  const std::vector<Section>& Of(const std::string& content) {
+    if (!parsed_ || content != content_) {
+      parsed_ = false;
+      sections_ = ParseSections(content);
+      content_ = content;
+      parsed_ = true;
+    }
+    return sections_;
+  }
+
+ private:
+  bool parsed_ = false;
+  std::string content_;
+  std::vector<Section> sections_;
+};
+
 class Store {
  public:
   // Reads the store; a missing file is an empty store, an unreadable one a failure.
   bool Load() {
     auto location = RegistryPath();
     if (!location) return false;
-    path_ = *location;
+    path_ = std::move(*location);
     // The store is read on every call (the clock setting is asked for each time shown) and
     // hardly ever changes: the last read is kept while the file stays as it was.
     thread_local KeptFile kept;
     const std::string* content = kept.Read(path_);
     // Only a store that cannot be read is asked whether it is there at all.
     if (!content) return !Files().Exists(path_);
-    Parse(*content);
+    thread_local ParsedContent parsed;
+    sections_ = &parsed.Of(*content);
     return true;
   }
 
-  Section* Find(std::string_view keyPath) {
-    for (Section& section : sections_) {
+  const Section* Find(std::string_view keyPath) const {
+    for (const Section& section : *sections_) {
       if (EqualsIgnoringCase(section.keyPath, keyPath)) return &section;
     }
     return nullptr;
   }
 
+  // A store about to change works on its own copy of the sections read.
   Section& FindOrAdd(std::string_view keyPath) {
-    if (Section* section = Find(keyPath)) return *section;
-    sections_.push_back({std::string(keyPath), {}});
-    return sections_.back();
+    if (sections_ != &owned_) {
+      owned_ = *sections_;
+      sections_ = &owned_;
+    }
+    return FindOrAddSection(owned_, keyPath);
   }
 
   // Writes a new file beside the store and moves it into place.
@@ -86,25 +136,10 @@ class Store {
   }
 
  private:
-  void Parse(std::string_view content) {
-    Section* current = nullptr;
-    while (!content.empty()) {
-      size_t end = content.find('\n');
-      std::string_view line = content.substr(0, end);
-      content.remove_prefix(end == std::string_view::npos ? content.size() : end + 1);
-      if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-      if (line.size() >= 2 && line.front() == '[' && line.back() == ']') {
-        current = &FindOrAdd(line.substr(1, line.size() - 2));
-      } else if (current != nullptr && !line.empty()) {
-        current->lines.emplace_back(line);
-      }
-    }
-  }
-
   std::string Serialise() const {
     std::string content(kHeader);
     content += "\n";
-    for (const Section& section : sections_) {
+    for (const Section& section : *sections_) {
       content += "\n[" + section.keyPath + "]\n";
       for (const std::string& line : section.lines) content += line + "\n";
     }
@@ -112,7 +147,8 @@ class Store {
   }
 
   std::string path_;
-  std::vector<Section> sections_;
+  std::vector<Section> owned_;
+  const std::vector<Section>* sections_ = &owned_;
 };
 
 std::string DwordLine(const std::string& valueName, uint32_t value) {
