@@ -43,7 +43,7 @@ void MarkAttachment(PartRecord& record) {
 // end, on a copy.
 const char* WithClosingDelimiter(const char* text, const CString& boundary, std::string& repaired) {
   std::string closing = platform::WideToAnsi((boundary + u"--").Str());
-  if (mime::TextMemo::FindWord(text, closing) != nullptr) return text;
+  if (mime::TextMemo::ContainsWord(text, closing)) return text;
   repaired = std::string(text) + "\r\n" + closing;
   return repaired.c_str();
 }

@@ -119,7 +119,7 @@ void BodyWalk::FromMultipart(CString& result, WalkedText text, const CString& bo
   // A message cut off before its closing delimiter gets one, on a private copy.
   std::string closing = platform::WideToAnsi((boundary + u"--").Str());
   std::string repaired;
-  if (TextMemo::FindWord(text.text, closing) == nullptr) {
+  if (!TextMemo::ContainsWord(text.text, closing)) {
     repaired = std::string(text.text) + "\r\n--" + closing;
     text = WalkedText(repaired.c_str(), true);
   }
@@ -346,8 +346,7 @@ int IsAttachmentPart(const char* partText) {
   const char* separator = std::strstr(partText, "\r\n\r\n");
   if (separator == nullptr) separator = std::strstr(partText, "\n\n");
   if (separator == nullptr) return 0;
-  std::string header(partText, static_cast<size_t>(separator - partText));
-  return IsAttachmentHeader(header.c_str());
+  return IsAttachmentHeader(partText, separator);
 }
 
 }  // namespace mailslice::mime
