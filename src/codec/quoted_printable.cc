@@ -61,7 +61,10 @@ void DecodeEscape(Decoding& d) {
   bool valid = true;
   for (int k = 0; k < 2; ++k) {
     if (!IsHexDigit(digits[k])) valid = false;
-    if (digits[k] == '\r' && digits[k + 1] == '\n') {
+    // The byte behind the second digit may be the end of the text, which reads as its NUL
+    // (also for a text that goes on beyond the stretch decoded).
+    bool lineFeedFollows = digits + k + 1 < d.end && digits[k + 1] == '\n';
+    if (digits[k] == '\r' && lineFeedFollows) {
       d.in = digits + 2;
       return;
     }

@@ -43,6 +43,37 @@ char* HeapCopy(std::string_view text, size_t extraZeros = 1) {
   return copy;
 }
 
+// The body of one part as GetMultiPartFirstBody copies it, where it lies in the part; empty when
+// the part has no body of at least two characters.
+std::string_view MultiPartFirstBody(const char* partText) {
+  if (partText == nullptr) return {};
+  // The search is for LF CR LF: the empty line of a part header whose lines end in CR LF.
+  const char* body = std::strstr(partText, "\n\r\n");
+  if (body != nullptr) {
+    body += 3;
+  } else if ((body = std::strstr(partText, "\n\n")) != nullptr) {
+    body += 2;
+  } else {
+    return {};
+  }
+  if (*body == '\0') return {};
+  const char* end = std::strrchr(body, '\n');
+  if (end == nullptr) return {};
+  // Trailing empty lines and the last line end go; text behind the last LF is dropped.
+  while (end > body && end[-1] == '\r') {
+    if (end - 1 > partText && end[-2] == '\n') {
+      end -= 2;
+      continue;
+    }
+    --end;
+    break;
+  }
+  // The length counts to the last kept character, so a body of one character has none.
+  std::ptrdiff_t length = end - 1 - body;
+  if (length < 1) return {};
+  return std::string_view(body, static_cast<size_t>(length) + 1);
+}
+
 // The text behind the first empty line (CR LF CR LF, else LF LF), or null.
 const char* AfterEmptyLine(const char* text) {
   if (const char* at = std::strstr(text, "\r\n\r\n")) return at + 4;
@@ -227,12 +258,12 @@ void BodyWalk::ProcessPart(CString& result, WalkedText walked, const CString& bo
   CString charset = GetCharSet(part);
   CString transferEncoding = GetTransEncode(part);
   if (IsAttachmentPart(part) == 1) return;
-  HeapText body(GetMultiPartFirstBody(part));
-  if (!body) return;
+  // The body is read where it lies in the part.
+  std::string_view body = MultiPartFirstBody(part);
+  if (body.empty()) return;
   bool html = partType.CompareNoCase(u"text/html") == 0;
   std::string page;
-  std::u16string decoded =
-      DecodeBodyWide(body.get(), charset, transferEncoding, html ? &page : nullptr);
+  std::u16string decoded = DecodeBodyWide(body, charset, transferEncoding, html ? &page : nullptr);
   if (decoded.empty()) {
     result.Empty();
     return;
@@ -300,32 +331,8 @@ char* GetSinglePartBody(const char* text) {
 }
 
 char* GetMultiPartFirstBody(const char* partText) {
-  if (partText == nullptr) return nullptr;
-  // The search is for LF CR LF: the empty line of a part header whose lines end in CR LF.
-  const char* body = std::strstr(partText, "\n\r\n");
-  if (body != nullptr) {
-    body += 3;
-  } else if ((body = std::strstr(partText, "\n\n")) != nullptr) {
-    body += 2;
-  } else {
-    return nullptr;
-  }
-  if (*body == '\0') return nullptr;
-  const char* end = std::strrchr(body, '\n');
-  if (end == nullptr) return nullptr;
-  // Trailing empty lines and the last line end go; text behind the last LF is dropped.
-  while (end > body && end[-1] == '\r') {
-    if (end - 1 > partText && end[-2] == '\n') {
-      end -= 2;
-      continue;
-    }
-    --end;
-    break;
-  }
-  // The length counts to the last kept character, so a body of one character has none.
-  std::ptrdiff_t length = end - 1 - body;
-  if (length < 1) return nullptr;
-  return HeapCopy(std::string_view(body, static_cast<size_t>(length) + 1));
+  std::string_view body = MultiPartFirstBody(partText);
+  return body.empty() ? nullptr : HeapCopy(body);
 }
 
 CString GetRemainBody(const CString& text) {
