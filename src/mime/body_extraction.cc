@@ -74,6 +74,15 @@ std::string_view MultiPartFirstBody(const char* partText) {
   return std::string_view(body, static_cast<size_t>(length) + 1);
 }
 
+// Where the text that CString's Trim leaves of the 8-bit `text` begins and ends.
+platform::TrimmedRange TrimmedBytes(std::string_view text) {
+  size_t end = text.size();
+  while (end > 0 && platform::IsTrimmedSpace(static_cast<unsigned char>(text[end - 1]))) --end;
+  size_t begin = 0;
+  while (begin < end && platform::IsTrimmedSpace(static_cast<unsigned char>(text[begin]))) ++begin;
+  return {begin, end};
+}
+
 // The text behind the first empty line (CR LF CR LF, else LF LF), or null.
 const char* AfterEmptyLine(const char* text) {
   if (const char* at = std::strstr(text, "\r\n\r\n")) return at + 4;
@@ -106,6 +115,8 @@ class BodyWalk {
 
  private:
   void ProcessPart(CString& result, WalkedText part, const CString& boundary);
+  // Whether the HTML reader needs an HTML body's page alone: its wide text is then not made.
+  bool PageOnly(bool html) const { return html && html_.save == 0 && !html::ReadsWideText(); }
   void Nested(CString& result, WalkedText part, const CString& boundary);
   void EmbeddedMessage(CString& result, WalkedText part);
   void Join(CString& result, WalkedText text, const std::vector<Piece>& pieces,
@@ -133,11 +144,9 @@ CString BodyWalk::FromSinglePart(const char* text) const {
   // A page sent without any Content-Type still opens with its doctype.
   bool html = contentType.CompareNoCase(u"text/html") == 0;
   std::string page;
-  // The HTML reader may need the page alone: the wide text is then not made.
-  bool pageOnly = html && html_.save == 0 && !html::ReadsWideText();
   std::u16string decoded =
       DecodeBodyWide(start, GetCharSet(text), GetTransEncode(text),
-                     html || contentType.IsEmpty() ? &page : nullptr, pageOnly);
+                     html || contentType.IsEmpty() ? &page : nullptr, PageOnly(html));
   if (html || (contentType.IsEmpty() && decoded.starts_with(kDoctype))) {
     return HtmlBodyToText(std::move(decoded), std::move(page), html_);
   }
@@ -263,14 +272,16 @@ void BodyWalk::ProcessPart(CString& result, WalkedText walked, const CString& bo
   if (body.empty()) return;
   bool html = partType.CompareNoCase(u"text/html") == 0;
   std::string page;
-  std::u16string decoded = DecodeBodyWide(body, charset, transferEncoding, html ? &page : nullptr);
-  if (decoded.empty()) {
+  std::u16string decoded =
+      DecodeBodyWide(body, charset, transferEncoding, html ? &page : nullptr, PageOnly(html));
+  if (decoded.empty() && page.empty()) {
     result.Empty();
     return;
   }
-  // The page holds a byte for each unit: it is trimmed at the same places.
-  platform::TrimmedRange kept = platform::Untrimmed(decoded);
-  platform::KeepOnly(decoded, kept);
+  // The page holds a byte for each unit: it is trimmed at the same places. A page that came
+  // alone is trimmed by its bytes, which are the units themselves where they are white space.
+  platform::TrimmedRange kept = decoded.empty() ? TrimmedBytes(page) : platform::Untrimmed(decoded);
+  if (!decoded.empty()) platform::KeepOnly(decoded, kept);
   if (!page.empty()) platform::KeepOnly(page, kept);
   if (html) {
     result = HtmlBodyToText(std::move(decoded), std::move(page), html_);

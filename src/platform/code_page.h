@@ -79,6 +79,8 @@ class AnsiReader {
   std::u16string Widen(std::string_view bytes) const;
   // Appends Widen(bytes) to `wide`.
   void AppendWidened(std::string_view bytes, std::u16string& wide) const;
+  // The iconv name of the code page it reads.
+  const std::string& name() const { return name_; }
 
  private:
   std::string name_;
