@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -114,7 +115,16 @@ class BodyWalk {
   CString FromSinglePart(const char* text) const;
 
  private:
-  void ProcessPart(CString& result, WalkedText part, const CString& boundary);
+  // What is read of a piece's content type, kept so that each is read once.
+  struct PartTypes {
+    CString whole;                    // GetContentType(part, 1), in lower case
+    std::optional<CString> declared;  // GetContentType(part, 0), once read
+  };
+  static const CString& Declared(const char* part, PartTypes& types);
+
+  void ProcessPart(CString& result, WalkedText part, const CString& boundary, PartTypes& types);
+  size_t ReplacingPart(PieceTexts& parts, const std::vector<Piece>& pieces,
+                       std::vector<PartTypes>& types) const;
   // Whether the HTML reader needs an HTML body's page alone: its wide text is then not made.
   bool PageOnly(bool html) const { return html && html_.save == 0 && !html::ReadsWideText(); }
   void Nested(CString& result, WalkedText part, const CString& boundary);
@@ -181,32 +191,57 @@ void BodyWalk::FromMultipart(CString& result, WalkedText text, const CString& bo
   Join(result, text, pieces, boundary);
 }
 
+const CString& BodyWalk::Declared(const char* part, PartTypes& types) {
+  if (!types.declared) types.declared = GetContentType(part, 0);
+  return *types.declared;
+}
+
+// Of a plain and an HTML alternative (outside Apple Mail's way), the last HTML part that is
+// read replaces all text before it: the index of that part, else 0. Parts of plain text in
+// front of it need not be read, as reading them changes nothing else; but with the HTML source
+// saved each HTML body read is saved, so then every part is read.
+size_t BodyWalk::ReplacingPart(PieceTexts& parts, const std::vector<Piece>& pieces,
+                               std::vector<PartTypes>& types) const {
+  if (html_.save != 0) return 0;
+  for (size_t i = pieces.size() - 1; i >= 1; --i) {
+    // The second part is passed over after a first alternative, which a first part of plain
+    // text leaves as it is now.
+    if (i == 1 && (alternative_ != 0 || types[0].whole != u"text/plain")) return 0;
+    if (Lower(Declared(parts.Of(pieces[i]).text(), types[i])) == u"text/html") return i;
+  }
+  return 0;
+}
+
 // The first part's text becomes the result; each further one is added after an empty line,
 // except that of a plain and an HTML alternative the HTML one is shown (Apple Mail sends
 // the two as parts to be shown one after the other, so there both are kept).
 void BodyWalk::Join(CString& result, WalkedText text, const std::vector<Piece>& pieces,
                     const CString& boundary) {
   PieceTexts parts(text);
+  std::vector<PartTypes> types(pieces.size());
   bool hasPlain = false, hasHtml = false;
-  for (const Piece& piece : pieces) {
-    CString contentType = Lower(GetContentType(parts.Of(piece).text(), 1));
-    hasPlain = hasPlain || contentType == u"text/plain";
-    hasHtml = hasHtml || contentType == u"text/html";
+  for (size_t i = 0; i < pieces.size(); ++i) {
+    types[i].whole = Lower(GetContentType(parts.Of(pieces[i]).text(), 1));
+    hasPlain = hasPlain || types[i].whole == u"text/plain";
+    hasHtml = hasHtml || types[i].whole == u"text/html";
   }
-  ProcessPart(result, parts.Of(pieces[0]).walked(), boundary);
   bool appleMail = Lower(boundary).Find(u"apple-mail") >= 0;
+  size_t replacing = hasPlain && hasHtml && !appleMail ? ReplacingPart(parts, pieces, types) : 0;
+  auto unread = [&](size_t i) { return i < replacing && types[i].whole == u"text/plain"; };
+  if (!unread(0)) ProcessPart(result, parts.Of(pieces[0]).walked(), boundary, types[0]);
   for (size_t i = 1; i < pieces.size(); ++i) {
     if (alternative_ != 0 && i == 1) {
       alternative_ = 0;  // the first alternative was taken
       continue;
     }
+    if (unread(i)) continue;
     PieceTexts::Lent part = parts.Of(pieces[i]);
     CString shown;
-    ProcessPart(shown, part.walked(), boundary);
+    ProcessPart(shown, part.walked(), boundary, types[i]);
     if (!shown.IsEmpty()) result += u"\r\n\r\n";
     if (!(hasPlain && hasHtml)) {
       result += shown;
-    } else if (Lower(GetContentType(part.text(), 0)) == u"text/html") {
+    } else if (Lower(Declared(part.text(), types[i])) == u"text/html") {
       if (result.IsEmpty() || !appleMail) {
         result = shown;
       } else {
@@ -239,10 +274,11 @@ void BodyWalk::EmbeddedMessage(CString& result, WalkedText part) {
   if (result.Right(2) == u"--") result = result.Left(result.GetLength() - 2);
 }
 
-void BodyWalk::ProcessPart(CString& result, WalkedText walked, const CString& boundary) {
+void BodyWalk::ProcessPart(CString& result, WalkedText walked, const CString& boundary,
+                           PartTypes& types) {
   const char* part = walked.text;
   if (part == nullptr) return;
-  CString contentType = Lower(GetContentType(part, 1));
+  const CString& contentType = types.whole;
   if (contentType == u"multipart/digest" || contentType == u"multipart/related") {
     CString nested;
     if (GetBoundary(part, nested, nullptr) == 0) nested = boundary;
@@ -263,7 +299,7 @@ void BodyWalk::ProcessPart(CString& result, WalkedText walked, const CString& bo
     return;
   }
   if (contentType == u"image/jpeg" || contentType == u"image/gif") return;
-  CString partType = GetContentType(part, 0);
+  const CString& partType = Declared(part, types);
   CString charset = GetCharSet(part);
   CString transferEncoding = GetTransEncode(part);
   if (IsAttachmentPart(part) == 1) return;
