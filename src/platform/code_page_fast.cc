@@ -197,6 +197,44 @@ size_t Utf8Prefix(std::string_view bytes, std::u16string& wide) {
       [&](const char16_t* units, size_t count) { wide.append(units, count); });
 }
 
+// Writes UTF-16 as UTF-8 up to the first unpaired surrogate, which iconv is left to refuse;
+// returns the units taken.
+size_t Utf8Written(std::u16string_view text, std::string& narrow) {
+  constexpr size_t kMostBytesPerUnit = 3;  // a pair of units takes four
+  size_t start = narrow.size();
+  narrow.resize(start + text.size() * kMostBytesPerUnit);
+  auto* out = reinterpret_cast<unsigned char*>(narrow.data() + start);
+  size_t at = 0, written = 0;
+  while (at < text.size()) {
+    size_t ascii =
+        NarrowAscii(text.data() + at, text.size() - at, reinterpret_cast<char*>(out + written));
+    at += ascii;
+    written += ascii;
+    if (at == text.size()) break;
+    char32_t unit = text[at];
+    if (unit < kFirstThreeByteUnit) {
+      out[written++] = static_cast<unsigned char>(0xC0 | unit >> 6);
+    } else if (!IsSurrogate(unit)) {
+      out[written++] = static_cast<unsigned char>(0xE0 | unit >> 12);
+      out[written++] = static_cast<unsigned char>(0x80 | (unit >> 6 & 0x3F));
+    } else if (unit < 0xDC00 && at + 1 < text.size() && text[at + 1] >= 0xDC00 &&
+               text[at + 1] <= 0xDFFF) {
+      char32_t character = 0x10000 + ((unit - 0xD800) << 10 | (text[at + 1] - 0xDC00));
+      out[written++] = static_cast<unsigned char>(0xF0 | character >> 18);
+      out[written++] = static_cast<unsigned char>(0x80 | (character >> 12 & 0x3F));
+      out[written++] = static_cast<unsigned char>(0x80 | (character >> 6 & 0x3F));
+      unit = character;
+      ++at;
+    } else {
+      break;
+    }
+    out[written++] = static_cast<unsigned char>(0x80 | (unit & 0x3F));
+    ++at;
+  }
+  narrow.resize(start + written);
+  return at;
+}
+
 }  // namespace
 
 // What iconv makes of each character of one single-byte code page, asked once per byte and
@@ -424,6 +462,7 @@ size_t FastWidener::Append(std::string_view bytes, std::u16string& wide) const {
 
 size_t FastPrefixToNarrow(const std::string& iconvName, std::u16string_view text,
                           std::string& narrow, const ExactConversions& exact, bool untilFailure) {
+  if (iconvName == kUtf8Name) return Utf8Written(text, narrow);
   if (!IsSingleBytePage(iconvName)) return 0;
   return PageFor(iconvName, exact).ToNarrow(text, narrow, untilFailure);
 }

@@ -42,7 +42,8 @@ class FastWidener {
 
 // Appends to `narrow` the conversion of the longest start of `text` that the fast path
 // converts exactly (a character the code page cannot hold becomes what iconv makes of it, or,
-// with `untilFailure`, ends the prefix); returns the number of units taken.
+// with `untilFailure`, ends the prefix); returns the number of units taken. UTF-8 is written
+// up to the first unpaired surrogate.
 size_t FastPrefixToNarrow(const std::string& iconvName, std::u16string_view text,
                           std::string& narrow, const ExactConversions& exact,
                           bool untilFailure = false);
