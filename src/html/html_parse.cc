@@ -12,6 +12,7 @@
 #include "html/html_document.h"
 #include "html/tag_table.h"
 #include "platform/byte_search.h"
+#include "platform/spare_buffers.h"
 
 namespace mailslice::html {
 namespace {
@@ -259,12 +260,15 @@ CString HtmlDocument::ReadBodyText(const char* text) {
 }
 
 void HtmlDocument::ReadBodyTextInto(const char* text, std::u16string& storage) {
-  BodyTextCollector collector(std::move(storage));
+  // The gathered text takes about as much room as the page.
+  BodyTextCollector collector(
+      std::move(storage), platform::TakeSpareBytes(text != nullptr ? std::strlen(text) + 2 : 0));
   if (text != nullptr) {
     TextBuilder builder(collector);
     Parser<TextBuilder>(text, builder).Run();
   }
   storage = collector.TakeText();
+  platform::KeepSpare(collector.TakeBytes());
 }
 
 int HtmlDocument::Parse(const char* text) {

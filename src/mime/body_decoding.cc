@@ -81,8 +81,7 @@ std::u16string FromUtf8ThroughDevice(std::string_view text, PageRequest request 
   }
   std::string room;
   if (request.textBuffer == nullptr) {
-    room = platform::TakeSpareBytes(text.size() + 1);
-    room.resize(text.size());
+    room = platform::TakeSpareRoom(text.size());
   }
   std::string& target = request.textBuffer != nullptr ? *request.textBuffer : room;
   if (request.pageOnly) {
@@ -175,7 +174,7 @@ std::u16string DecodeBodyWide(std::string_view body, CString charset, CString tr
   if (transferEncoding == u"quoted-printable") {
     // Decoded as an encoded word is: under language 33 underscores become spaces. The decoded
     // bytes are read up to their NUL.
-    std::string decoded = platform::TakeSpareBytes(body.size() + 1);
+    std::string decoded = platform::TakeSpareRoom(body.size() + 1);
     codec::DecodeQuotedPrintableBody(body.data(), body.size(), decoded);
     // The page, when asked for, is written over the decoded bytes as they are read.
     std::u16string wide = ConvertCharset(decoded.c_str(), charset, {page, &decoded, pageOnly});

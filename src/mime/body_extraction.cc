@@ -75,15 +75,6 @@ std::string_view MultiPartFirstBody(const char* partText) {
   return std::string_view(body, static_cast<size_t>(length) + 1);
 }
 
-// Where the text that CString's Trim leaves of the 8-bit `text` begins and ends.
-platform::TrimmedRange TrimmedBytes(std::string_view text) {
-  size_t end = text.size();
-  while (end > 0 && platform::IsTrimmedSpace(static_cast<unsigned char>(text[end - 1]))) --end;
-  size_t begin = 0;
-  while (begin < end && platform::IsTrimmedSpace(static_cast<unsigned char>(text[begin]))) ++begin;
-  return {begin, end};
-}
-
 // The text behind the first empty line (CR LF CR LF, else LF LF), or null.
 const char* AfterEmptyLine(const char* text) {
   if (const char* at = std::strstr(text, "\r\n\r\n")) return at + 4;
@@ -316,7 +307,8 @@ void BodyWalk::ProcessPart(CString& result, WalkedText walked, const CString& bo
   }
   // The page holds a byte for each unit: it is trimmed at the same places. A page that came
   // alone is trimmed by its bytes, which are the units themselves where they are white space.
-  platform::TrimmedRange kept = decoded.empty() ? TrimmedBytes(page) : platform::Untrimmed(decoded);
+  platform::TrimmedRange kept =
+      decoded.empty() ? platform::Untrimmed(std::string_view(page)) : platform::Untrimmed(decoded);
   if (!decoded.empty()) platform::KeepOnly(decoded, kept);
   if (!page.empty()) platform::KeepOnly(page, kept);
   if (html) {

@@ -81,6 +81,8 @@ class AnsiReader {
   void AppendWidened(std::string_view bytes, std::u16string& wide) const;
   // The iconv name of the code page it reads.
   const std::string& name() const { return name_; }
+  // See FastWidener::WidensEachByteAlone.
+  bool WidensEachByteAlone() const { return fast_.WidensEachByteAlone(); }
 
  private:
   std::string name_;

@@ -35,6 +35,8 @@ constexpr uint16_t kByteMask = 0xFF;
 // one plain unit).
 constexpr char16_t kLookCloser = 0xFFFF;
 constexpr size_t kUnitsPerBlock = 8;
+// The units widened into a buffer on the stack before they are appended.
+constexpr size_t kPieceUnits = 512;
 // UTF-8 writes the units below this one in two bytes (or one).
 constexpr char16_t kFirstThreeByteUnit = 0x800;
 constexpr size_t kTwoBytes = 2;
@@ -252,15 +254,56 @@ class SingleBytePage {
       asciiBothWays_ = asciiBothWays_ && single_[ascii] && wide_[ascii] == ascii &&
                        (narrow_[ascii] = Ask(ascii)) == ascii;
     }
+    eachByteAlone_ = asciiBothWays_;
+    for (unsigned byte = 0x80; byte < 256; ++byte) {
+      eachByteAlone_ = eachByteAlone_ && single_[byte] && wide_[byte] >= 0x80;
+    }
+  }
+
+  // Whether every byte widens to one unit of its own, ASCII to itself and no other byte to
+  // ASCII: a text then widens as its pieces do one by one.
+  bool EachByteAlone() const { return eachByteAlone_; }
+
+  // Widens `size` bytes of a page where each byte widens alone: sixteen at a time as ASCII,
+  // then the bytes beyond ASCII among them from the table.
+  void EachByteToWide(const unsigned char* in, size_t size, char16_t* out) const {
+    size_t at = 0;
+#ifdef __SSE2__
+    const __m128i zero = _mm_setzero_si128();
+    for (; size - at >= kBlockBytes; at += kBlockBytes) {
+      __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + at));
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(out + at), _mm_unpacklo_epi8(block, zero));
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(out + at + kBlockBytes / 2),
+                       _mm_unpackhi_epi8(block, zero));
+      for (auto high = static_cast<unsigned>(_mm_movemask_epi8(block)); high != 0;
+           high &= high - 1) {
+        size_t place = at + static_cast<size_t>(std::countr_zero(high));
+        out[place] = wide_[in[place]];
+      }
+    }
+#endif
+    for (; at < size; ++at) out[at] = wide_[in[at]];
   }
 
   const std::string& Name() const { return name_; }
 
   size_t ToWide(std::string_view bytes, std::u16string& wide) const {
+    const auto* in = reinterpret_cast<const unsigned char*>(bytes.data());
+    if (eachByteAlone_) {
+      // A piece at a time through a small buffer: growing the string by the whole text would
+      // clear its room before it is written.
+      wide.reserve(wide.size() + bytes.size());
+      char16_t piece[kPieceUnits];
+      for (size_t at = 0; at < bytes.size(); at += kPieceUnits) {
+        size_t count = std::min(kPieceUnits, bytes.size() - at);
+        EachByteToWide(in + at, count, piece);
+        wide.append(piece, count);
+      }
+      return bytes.size();
+    }
     size_t start = wide.size();
     wide.resize(start + bytes.size());
     char16_t* out = wide.data() + start;
-    const auto* in = reinterpret_cast<const unsigned char*>(bytes.data());
     size_t at = 0;
     while (at < bytes.size()) {
       if (asciiBothWays_) at += WidenAscii(in + at, bytes.size() - at, out + at);
@@ -392,6 +435,7 @@ class SingleBytePage {
   std::array<bool, 256> single_{};
   // ASCII reads and writes as itself, so runs of it are copied without the tables.
   bool asciiBothWays_ = true;
+  bool eachByteAlone_ = false;
   std::vector<uint16_t> narrow_ = std::vector<uint16_t>(0x10000, kNotAsked);
   // What each unit shows as once narrowed and widened back (without and with stopping at the
   // first unit the page cannot hold), filled as units are met.
@@ -454,6 +498,8 @@ size_t FastPrefixToWide(const std::string& iconvName, std::string_view bytes, st
 FastWidener::FastWidener(const std::string& iconvName, const ExactConversions& exact)
     : utf8_(iconvName == kUtf8Name),
       page_(IsSingleBytePage(iconvName) ? &PageFor(iconvName, exact) : nullptr) {}
+
+bool FastWidener::WidensEachByteAlone() const { return page_ != nullptr && page_->EachByteAlone(); }
 
 size_t FastWidener::Append(std::string_view bytes, std::u16string& wide) const {
   if (utf8_) return Utf8Prefix(bytes, wide);

@@ -34,6 +34,9 @@ class FastWidener {
  public:
   FastWidener(const std::string& iconvName, const ExactConversions& exact);
   size_t Append(std::string_view bytes, std::u16string& wide) const;
+  // Whether each byte widens to one unit of its own, ASCII to itself and no other byte to
+  // ASCII (a single-byte page): a text then widens as its pieces do one by one.
+  bool WidensEachByteAlone() const;
 
  private:
   bool utf8_;

@@ -24,8 +24,9 @@ std::array<String, kKeptOfEachKind>& Kept() {
   return kept;
 }
 
+// A kept buffer with room for `size` and not too much more, as it is; else an empty one.
 template <typename String>
-String Take(size_t size) {
+String Kept(size_t size) {
   String taken;
   for (String& kept : Kept<String>()) {
     if (kept.capacity() >= size && kept.capacity() / kMostRoomPerSize <= size) {
@@ -33,6 +34,12 @@ String Take(size_t size) {
       break;
     }
   }
+  return taken;
+}
+
+template <typename String>
+String Take(size_t size) {
+  String taken = Kept<String>(size);
   taken.clear();
   ReserveLarge(taken, size);
   return taken;
@@ -53,6 +60,13 @@ void Keep(String buffer) {
 }  // namespace
 
 std::string TakeSpareBytes(size_t size) { return Take<std::string>(size); }
+
+std::string TakeSpareRoom(size_t size) {
+  std::string taken = Kept<std::string>(size);
+  ReserveLarge(taken, size);
+  taken.resize(size);
+  return taken;
+}
 
 std::u16string TakeSpareWide(size_t size) { return Take<std::u16string>(size); }
 

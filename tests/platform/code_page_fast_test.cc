@@ -105,6 +105,10 @@ TEST(CodePageFastTest, SingleBytePagesConvertEveryCharacterAsIconvDoes) {
       all += static_cast<char>(byte);
     }
     ASSERT_EQ(AnsiToWide(all), MultiByteToWideThroughIconv(kAnsiCodePage, all)) << page;
+    // A text of several of the pieces the widening goes through, at every offset.
+    std::string longText;
+    for (int copy = 0; copy < 9; ++copy) longText += all.substr(copy) + all.substr(0, copy);
+    ASSERT_EQ(AnsiToWide(longText), MultiByteToWideThroughIconv(kAnsiCodePage, longText)) << page;
     for (unsigned unit = 1; unit < 0x10000; ++unit) {
       std::u16string text = u"x" + Unit(unit) + u"y";
       ASSERT_EQ(WideToAnsi(text), WideToMultiByteThroughIconv(kAnsiCodePage, text))
