@@ -14,6 +14,7 @@
 #include "mime/multipart_walker.h"
 #include "mime/text_memo.h"
 #include "platform/code_page.h"
+#include "platform/letter_case.h"
 
 namespace mailslice::attach {
 namespace {
@@ -23,7 +24,7 @@ constexpr char kAttachment = 'A';
 void MarkAttachment(PartRecord& record) {
   const char* part = record.partText;
   CString contentType = mime::GetContentType(part, 0);
-  if (contentType.CompareNoCase(u"Message/RFC822") == 0) {
+  if (platform::EqualsNoCase(contentType.Str(), u"Message/RFC822")) {
     record.kind = kAttachment;
     record.charset = mime::GetCharSet(part);
     record.contentType = contentType;

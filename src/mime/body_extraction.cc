@@ -19,6 +19,7 @@
 #include "mime/piece_text.h"
 #include "mime/text_memo.h"
 #include "platform/code_page.h"
+#include "platform/letter_case.h"
 #include "platform/spare_buffers.h"
 #include "platform/white_space.h"
 
@@ -143,7 +144,7 @@ CString BodyWalk::FromSinglePart(const char* text) const {
   CString contentType = GetContentType(text, 0);
   if (start != nullptr && start[0] == '\r' && start[1] == '\n') start += 2;
   // A page sent without any Content-Type still opens with its doctype.
-  bool html = contentType.CompareNoCase(u"text/html") == 0;
+  bool html = platform::EqualsNoCase(contentType.Str(), u"text/html");
   std::string page;
   std::u16string decoded =
       DecodeBodyWide(start, GetCharSet(text), GetTransEncode(text),
@@ -260,7 +261,7 @@ void BodyWalk::EmbeddedMessage(CString& result, WalkedText part) {
   if (message == nullptr) return;
   CString contentType = GetContentType(message, 1);
   if (contentType.Right(1) == u";") contentType = contentType.Left(contentType.GetLength() - 1);
-  if (contentType.CompareNoCase(u"multipart/alternative") == 0) alternative_ = 1;
+  if (platform::EqualsNoCase(contentType.Str(), u"multipart/alternative")) alternative_ = 1;
   result = EmbeddedMessageLine() + FromSinglePart(message);
   if (result.Right(2) == u"--") result = result.Left(result.GetLength() - 2);
 }
@@ -297,7 +298,7 @@ void BodyWalk::ProcessPart(CString& result, WalkedText walked, const CString& bo
   // The body is read where it lies in the part.
   std::string_view body = MultiPartFirstBody(part);
   if (body.empty()) return;
-  bool html = partType.CompareNoCase(u"text/html") == 0;
+  bool html = platform::EqualsNoCase(partType.Str(), u"text/html");
   std::string page;
   std::u16string decoded =
       DecodeBodyWide(body, charset, transferEncoding, html ? &page : nullptr, PageOnly(html));

@@ -7,6 +7,7 @@
 #include "mime/content_type_rules.h"
 #include "mime/text_memo.h"
 #include "platform/code_page.h"
+#include "platform/letter_case.h"
 
 namespace mailslice::mime {
 namespace {
@@ -220,8 +221,8 @@ CString GetTransEncode(const char* text) {
 }
 
 int IsKnownTransferEncoding(const CString& value) {
-  for (const char16_t* known : {u"quoted-printable", u"base64", u"8bit", u"7bit"}) {
-    if (value.CompareNoCase(known) == 0) return 1;
+  for (std::u16string_view known : {u"quoted-printable", u"base64", u"8bit", u"7bit"}) {
+    if (platform::EqualsNoCase(value.Str(), known)) return 1;
   }
   return 0;
 }
