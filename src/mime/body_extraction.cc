@@ -291,13 +291,13 @@ void BodyWalk::ProcessPart(CString& result, WalkedText walked, const CString& bo
     return;
   }
   if (contentType == u"image/jpeg" || contentType == u"image/gif") return;
-  const CString& partType = Declared(part, types);
-  CString charset = GetCharSet(part);
-  CString transferEncoding = GetTransEncode(part);
   if (IsAttachmentPart(part) == 1) return;
   // The body is read where it lies in the part.
   std::string_view body = MultiPartFirstBody(part);
   if (body.empty()) return;
+  const CString& partType = Declared(part, types);
+  CString charset = GetCharSet(part);
+  CString transferEncoding = GetTransEncode(part);
   bool html = platform::EqualsNoCase(partType.Str(), u"text/html");
   std::string page;
   std::u16string decoded =

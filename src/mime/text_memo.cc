@@ -24,7 +24,7 @@ std::atomic<uint64_t> g_generation{1};
 // Some place of `word` in `text`, or null. A closing delimiter, the word asked about, stands
 // near the end of a message: the last stretch is searched first.
 const char* AnyPlace(std::string_view text, std::string_view word) {
-  constexpr size_t kLastStretch = 4096;
+  constexpr size_t kLastStretch = 512;
   if (text.size() - std::min(text.size(), word.size()) > kLastStretch) {
     size_t at = codec::FindSubstring(text, word, text.size() - word.size() - kLastStretch);
     if (at != std::string_view::npos) return text.data() + at;

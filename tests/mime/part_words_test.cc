@@ -151,5 +151,19 @@ TEST(PartWordsTest, CountsEveryPlaceOfALongText) {
   EXPECT_EQ(TextMemo::Find(text.c_str() + text.size() - 3, PartWord::kAttachment), nullptr);
 }
 
+// A closing delimiter is looked for near the end of a message first, but counts anywhere.
+TEST(TextMemoTest, ContainsAWordWhereverItStands) {
+  const std::string closing = "B--";
+  for (size_t place : {size_t{0}, size_t{100}, size_t{5000}, size_t{9990}}) {
+    std::string text(10000, 'x');
+    text.replace(place, closing.size(), closing);
+    EXPECT_TRUE(TextMemo::ContainsWord(text.c_str(), closing)) << place;
+    TextMemo memo(text.c_str(), text.size());
+    EXPECT_TRUE(TextMemo::ContainsWord(text.c_str(), closing)) << place;
+  }
+  std::string without(10000, 'x');
+  EXPECT_FALSE(TextMemo::ContainsWord(without.c_str(), closing));
+}
+
 }  // namespace
 }  // namespace mailslice::mime
