@@ -1,13 +1,16 @@
 #include "mime/header_parameters.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
+#include <string>
 #include <string_view>
 
 #include "mime/content_type_rules.h"
 #include "mime/text_memo.h"
 #include "platform/code_page.h"
 #include "platform/letter_case.h"
+#include "platform/white_space.h"
 
 namespace mailslice::mime {
 namespace {
@@ -22,11 +25,14 @@ constexpr char16_t kDefaultTransferEncoding[] = u"8bit";
 constexpr size_t kShortestTransferEncoding = 3;
 
 // The cut-out value widened through the device code page and trimmed.
-CString Widened(const char* begin, const char* end) {
-  CString value(platform::AnsiToWide(std::string_view(begin, static_cast<size_t>(end - begin))));
-  value.Trim();
+std::u16string WidenedText(const char* begin, const char* end) {
+  std::u16string value =
+      platform::AnsiToWide(std::string_view(begin, static_cast<size_t>(end - begin)));
+  platform::TrimSpaces(value);
   return value;
 }
+
+CString Widened(const char* begin, const char* end) { return CString(WidenedText(begin, end)); }
 
 // The first MIME version line at or after `origin`, else `origin` itself: several searches
 // start there to pass over whatever unrelated text comes first.
@@ -138,13 +144,13 @@ CString GetContentType(const char* text, int wholeText) {
 }
 
 CString ContentTypeValue(const char* begin, const char* end) {
-  CString value = Widened(begin, end);
+  std::u16string value = WidenedText(begin, end);
   // The ";" search is not bound to the line, so the value may have run over line ends.
-  if (int lineBreak = value.Find(u"\r\n"); lineBreak >= 0) value = value.Left(lineBreak);
-  if (int semicolon = value.Find(u';'); semicolon >= 0) value = value.Left(semicolon);
+  value.resize(std::min(value.size(), value.find(u"\r\n")));
+  value.resize(std::min(value.size(), value.find(u';')));
   // An empty field swallowed the next line's field name.
   if (value == u"Sender:") return CString();
-  return value;
+  return CString(std::move(value));
 }
 
 CString GetCharSet(const char* text) {
