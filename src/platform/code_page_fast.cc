@@ -289,6 +289,12 @@ class SingleBytePage {
 
   size_t ToWide(std::string_view bytes, std::u16string& wide) const {
     const auto* in = reinterpret_cast<const unsigned char*>(bytes.data());
+    if (eachByteAlone_ && bytes.size() <= kPieceUnits) {
+      size_t start = wide.size();
+      wide.resize(start + bytes.size());
+      EachByteToWide(in, bytes.size(), wide.data() + start);
+      return bytes.size();
+    }
     if (eachByteAlone_) {
       // A piece at a time through a small buffer: growing the string by the whole text would
       // clear its room before it is written.
