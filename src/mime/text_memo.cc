@@ -45,8 +45,10 @@ TextMemo::TextMemo(const char* text) : TextMemo(text, kNotMeasured) {}
 
 TextMemo::TextMemo(const char* text, size_t length)
     : text_(text), length_(length), outer_(g_latest), standing_(StandingFor(text, length)) {
-  if (standing_ == nullptr && length != kNotMeasured) {
-    if (Answers* kept = StandingPieceAnswers(text, length)) answers_ = kept;
+  if (standing_ == nullptr && length != kNotMeasured && g_standing != nullptr &&
+      !Before(text, g_standing->text_)) {
+    auto offset = static_cast<size_t>(text - g_standing->text_);
+    piece_ = offset <= g_standing->length_ && length <= g_standing->length_ - offset;
   }
   g_latest = this;
   NewGeneration();
@@ -72,11 +74,9 @@ TextMemo* TextMemo::StandingFor(const char* text, size_t length) {
   return length == kNotMeasured || length == g_standing->length_ ? g_standing : nullptr;
 }
 
-TextMemo::Answers* TextMemo::StandingPieceAnswers(const char* text, size_t length) {
-  if (g_standing == nullptr || std::less<const char*>()(text, g_standing->text_)) return nullptr;
-  auto offset = static_cast<size_t>(text - g_standing->text_);
-  if (offset > g_standing->length_ || length > g_standing->length_ - offset) return nullptr;
-  return &g_standing->pieces_[{offset, length}];
+TextMemo::Answers& TextMemo::AnswerStore() {
+  if (!piece_ || g_standing == nullptr) return found_;
+  return g_standing->pieces_[{static_cast<size_t>(text_ - g_standing->text_), length_}];
 }
 
 bool TextMemo::ContainsWord(const char* text, const std::string& word) {
@@ -110,13 +110,6 @@ TextMemo* TextMemo::Holding(const char* text) {
     if (memo->text_ == text) return memo->standing_ != nullptr ? memo->standing_ : memo;
   }
   return g_standing != nullptr && g_standing->text_ == text ? g_standing : nullptr;
-}
-
-const std::pair<std::string_view, const char*>* TextMemo::Known(std::string_view key) const {
-  for (const auto& entry : *answers_) {
-    if (entry.first == key) return &entry;
-  }
-  return nullptr;
 }
 
 size_t TextMemo::Length(const char* text) {

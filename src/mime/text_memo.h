@@ -100,7 +100,6 @@ class TextMemo {
   static TextMemo* Holding(const char* text);
   // The standing memo, when it holds `text` as a whole (`length` unknown, or its own).
   static TextMemo* StandingFor(const char* text, size_t length);
-  const std::pair<std::string_view, const char*>* Known(std::string_view key) const;
   // How the text at `from` reads: to `end`, by the index of `keeper`'s text; a null keeper when
   // no memo holds it.
   struct Reading {
@@ -119,23 +118,27 @@ class TextMemo {
   // The answer remembered under `key`, found by `search` the first time.
   template <typename Search>
   const char* Answer(std::string_view key, Search search) {
-    if (const auto* known = Known(key)) return known->second;
+    Answers& answers = AnswerStore();
+    for (const auto& [known, at] : answers) {
+      if (known == key) return at;
+    }
     const char* at = search();
-    answers_->emplace_back(key, at);
+    answers.emplace_back(key, at);
     return at;
   }
   // Whether this memo's answers are kept by the standing memo: it holds a piece of its text.
-  bool KeptByStanding() const { return answers_ != &found_; }
+  bool KeptByStanding() const { return piece_; }
 
   using Answers = std::vector<std::pair<std::string_view, const char*>>;
-  // Where the answers about a piece of the standing memo's text are kept, so that every walk
-  // over the text until the memo goes finds them: its pieces are the same each time.
-  static Answers* StandingPieceAnswers(const char* text, size_t length);
+  // Where the memo's answers are kept: about a piece of the standing memo's text, by the
+  // standing memo, so that every walk over the text until that memo goes finds them (its pieces
+  // are the same each time); else by the memo itself.
+  Answers& AnswerStore();
 
   const char* text_;
   size_t length_ = static_cast<size_t>(-1);  // not measured yet
   Answers found_;
-  Answers* answers_ = &found_;
+  bool piece_ = false;                                   // see KeptByStanding
   std::map<std::pair<size_t, size_t>, Answers> pieces_;  // the standing memo's, by place
   std::map<std::tuple<size_t, size_t, std::string>, KeptWalk> walks_;  // the standing memo's
   std::set<std::string> words_;  // the words of ContainsWord answers kept here
