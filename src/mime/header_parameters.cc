@@ -144,6 +144,20 @@ CString GetContentType(const char* text, int wholeText) {
 }
 
 CString ContentTypeValue(const char* begin, const char* end) {
+  const platform::AnsiReader& reader = platform::DeviceAnsiReader();
+  if (reader.WidensEachByteAlone()) {
+    // Where each byte widens alone, the bytes of white space, of the line break and of the
+    // ";" are those units themselves: the value is cut in bytes, and only what is kept of a
+    // value that ran over line ends is widened.
+    std::string_view bytes(begin, static_cast<size_t>(end - begin));
+    platform::TrimmedRange kept = platform::Untrimmed(bytes);
+    bytes = bytes.substr(kept.begin, kept.end - kept.begin);
+    bytes = bytes.substr(0, bytes.find("\r\n"));
+    bytes = bytes.substr(0, bytes.find(';'));
+    std::u16string value = reader.Widen(bytes);
+    if (value == u"Sender:") return CString();
+    return CString(std::move(value));
+  }
   std::u16string value = WidenedText(begin, end);
   // The ";" search is not bound to the line, so the value may have run over line ends.
   value.resize(std::min(value.size(), value.find(u"\r\n")));

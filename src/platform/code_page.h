@@ -88,6 +88,9 @@ class AnsiReader {
   std::string name_;
   FastWidener fast_;
 };
+// The reader of the device code page as the settings name it now, kept by the thread while the
+// page stays the same; valid until the next call on the thread.
+const AnsiReader& DeviceAnsiReader();
 std::string WideToAnsi(std::u16string_view text);
 
 }  // namespace mailslice::platform
