@@ -11,10 +11,10 @@ constexpr size_t kPrefixBytes = StemFilter::kPrefixBytes;
 #ifdef MAILSLICE_AVX2_PATHS
 constexpr size_t kBlock = 32;
 
-// Thirty-two places at a time: each byte of the three loads is looked up by its two halves in
-// the tables of its place, and a place is a candidate for the stems whose bits survive all three
-// lookups. Stops before a block whose candidates might not fit in `room`, or before the last
-// places, whose loads would read past the text.
+// Thirty-two places at a time: the second and third bytes of each place are looked up by their
+// two halves in the tables of their places, and the places where some stem's bit survives both
+// are looked at one by one, with the first byte's table. Stops before a block whose candidates
+// might not fit in `room`, or before the last places, whose loads would read past the text.
 __attribute__((target("avx2"))) size_t CandidatesAvx2(std::string_view text, size_t& from,
                                                       const StemFilter::Tables& tables,
                                                       Candidate* out, size_t room) {
@@ -30,7 +30,7 @@ __attribute__((target("avx2"))) size_t CandidatesAvx2(std::string_view text, siz
   size_t at = from, count = 0;
   for (; at + kBlock + kPrefixBytes - 1 <= text.size() && count + kBlock <= room; at += kBlock) {
     __m256i stems = _mm256_set1_epi8(-1);
-    for (size_t k = 0; k < kPrefixBytes; ++k) {
+    for (size_t k = 1; k < kPrefixBytes; ++k) {
       __m256i bytes = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(text.data() + at + k));
       __m256i low = _mm256_and_si256(bytes, halfMask);
       __m256i high = _mm256_and_si256(_mm256_srli_epi16(bytes, 4), halfMask);
@@ -42,8 +42,9 @@ __attribute__((target("avx2"))) size_t CandidatesAvx2(std::string_view text, siz
     alignas(kBlock) uint8_t bits[kBlock];
     _mm256_store_si256(reinterpret_cast<__m256i*>(bits), stems);
     for (; places != 0; places &= places - 1) {
-      auto place = static_cast<size_t>(__builtin_ctz(places));
-      out[count++] = {at + place, bits[place]};
+      size_t place = at + static_cast<size_t>(__builtin_ctz(places));
+      unsigned bitsHere = bits[place - at] & tables.byByte[0][static_cast<uint8_t>(text[place])];
+      if (bitsHere != 0) out[count++] = {place, bitsHere};
     }
   }
   from = at;

@@ -1,6 +1,7 @@
 #include "mime/part_words.h"
 
 #include <algorithm>
+#include <array>
 #include <span>
 
 #include "codec/stem_filter.h"
@@ -99,6 +100,27 @@ const codec::StemFilter& Filter() {
   return filter;
 }
 
+// For each family and each byte, the members whose first byte behind the stem it is (one bit
+// each, in the order of the family's members); a member that ends with the stem takes any.
+// Index 256 stands for the end of the text.
+constexpr size_t kEndOfText = 256;
+using FollowerTable = std::array<std::array<uint8_t, kEndOfText + 1>, std::size(kFamilies)>;
+constexpr FollowerTable MakeFollowerTable() {
+  FollowerTable table{};
+  for (size_t family = 0; family < std::size(kFamilies); ++family) {
+    for (size_t member = 0; member < kFamilies[family].members.size(); ++member) {
+      std::string_view after = kFamilies[family].members[member].after;
+      for (size_t byte = 0; byte <= kEndOfText; ++byte) {
+        bool follows =
+            after.empty() || (byte < kEndOfText && static_cast<unsigned char>(after[0]) == byte);
+        if (follows) table[family][byte] |= static_cast<uint8_t>(1u << member);
+      }
+    }
+  }
+  return table;
+}
+constexpr FollowerTable kFollowers = MakeFollowerTable();
+
 // Whether `bytes` stand at `at`, which has room for them.
 bool SameBytes(const char* at, std::string_view bytes) {
   for (size_t k = 0; k < bytes.size(); ++k) {
@@ -120,7 +142,9 @@ PartWordIndex::PartWordIndex(std::string_view text) {
     const Family& family = kFamilies[stem];
     // What follows the stem tells most members apart at its first byte.
     size_t stemEnd = stemPlace + family.stem.size();
-    for (const Member& member : family.members) {
+    size_t next = stemEnd < text.size() ? static_cast<unsigned char>(text[stemEnd]) : kEndOfText;
+    for (unsigned members = kFollowers[stem][next]; members != 0; members &= members - 1) {
+      const Member& member = family.members[static_cast<size_t>(__builtin_ctz(members))];
       if (member.after.size() > text.size() - stemEnd || member.before.size() > stemPlace ||
           !SameBytes(text.data() + stemEnd, member.after) ||
           !SameBytes(text.data() + stemPlace - member.before.size(), member.before)) {
