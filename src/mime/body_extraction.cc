@@ -235,7 +235,7 @@ void BodyWalk::Join(CString& result, WalkedText text, const std::vector<Piece>& 
       result += shown;
     } else if (Lower(Declared(part.text(), types[i])) == u"text/html") {
       if (result.IsEmpty() || !appleMail) {
-        result = shown;
+        result = std::move(shown);
       } else {
         result += shown;
       }
