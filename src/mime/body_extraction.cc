@@ -198,7 +198,7 @@ size_t BodyWalk::ReplacingPart(PieceTexts& parts, const std::vector<Piece>& piec
   for (size_t i = pieces.size() - 1; i >= 1; --i) {
     // The second part is passed over after a first alternative, which a first part of plain
     // text leaves as it is now.
-    if (i == 1 && (alternative_ != 0 || types[0].whole != u"text/plain")) return 0;
+    if (i == 1 && (alternative_ != 0 || types[0].whole.Str() != u"text/plain")) return 0;
     if (Lower(Declared(parts.Of(pieces[i]).text(), types[i])) == u"text/html") return i;
   }
   return 0;
@@ -214,12 +214,12 @@ void BodyWalk::Join(CString& result, WalkedText text, const std::vector<Piece>& 
   bool hasPlain = false, hasHtml = false;
   for (size_t i = 0; i < pieces.size(); ++i) {
     types[i].whole = Lower(GetContentType(parts.Of(pieces[i]).text(), 1));
-    hasPlain = hasPlain || types[i].whole == u"text/plain";
-    hasHtml = hasHtml || types[i].whole == u"text/html";
+    hasPlain = hasPlain || types[i].whole.Str() == u"text/plain";
+    hasHtml = hasHtml || types[i].whole.Str() == u"text/html";
   }
   bool appleMail = Lower(boundary).Find(u"apple-mail") >= 0;
   size_t replacing = hasPlain && hasHtml && !appleMail ? ReplacingPart(parts, pieces, types) : 0;
-  auto unread = [&](size_t i) { return i < replacing && types[i].whole == u"text/plain"; };
+  auto unread = [&](size_t i) { return i < replacing && types[i].whole.Str() == u"text/plain"; };
   if (!unread(0)) ProcessPart(result, parts.Of(pieces[0]).walked(), boundary, types[0]);
   for (size_t i = 1; i < pieces.size(); ++i) {
     if (alternative_ != 0 && i == 1) {
@@ -270,7 +270,7 @@ void BodyWalk::ProcessPart(CString& result, WalkedText walked, const CString& bo
                            PartTypes& types) {
   const char* part = walked.text;
   if (part == nullptr) return;
-  const CString& contentType = types.whole;
+  std::u16string_view contentType = types.whole.Str();
   if (contentType == u"multipart/digest" || contentType == u"multipart/related") {
     CString nested;
     if (GetBoundary(part, nested, nullptr) == 0) nested = boundary;
