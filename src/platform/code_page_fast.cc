@@ -55,7 +55,8 @@ bool IsSurrogate(char32_t unit) { return unit >= 0xD800 && unit <= 0xDFFF; }
 // `size` units allows, and only its ASCII start counts.
 // With `kStopAtNul`, a NUL byte ends the run too.
 template <bool kStopAtNul = false>
-[[gnu::always_inline]] inline size_t WidenAscii(const unsigned char* in, size_t size, char16_t* out) {
+[[gnu::always_inline]] inline size_t WidenAscii(const unsigned char* in, size_t size,
+                                                char16_t* out) {
   size_t done = 0;
 #ifdef __SSE2__
   const __m128i zero = _mm_setzero_si128();
@@ -140,7 +141,8 @@ unsigned OtherThanAsciiBits(const char16_t* units) {
 
 // Decodes one well-formed UTF-8 character of two or three bytes at `in` (of `left` bytes)
 // into `out`; returns its length, or 0 when it is not one.
-[[gnu::always_inline]] inline size_t DecodeMultiByte(const unsigned char* in, size_t left, char16_t* out) {
+[[gnu::always_inline]] inline size_t DecodeMultiByte(const unsigned char* in, size_t left,
+                                                     char16_t* out) {
   unsigned char lead = in[0];
   if (lead >= 0xC2 && lead <= 0xDF && left >= 2 && IsContinuation(in[1])) {
     *out = static_cast<char16_t>((lead & 0x1F) << 6 | (in[1] & 0x3F));
