@@ -24,12 +24,14 @@ std::array<String, kKeptOfEachKind>& Kept() {
   return kept;
 }
 
-// A kept buffer with room for `size` and not too much more, as it is; else an empty one.
+// A kept buffer with room for `size` and not too much more (or no more than `roomy`), as it is;
+// else an empty one.
 template <typename String>
-String Kept(size_t size) {
+String Kept(size_t size, size_t roomy = 0) {
   String taken;
   for (String& kept : Kept<String>()) {
-    if (kept.capacity() >= size && kept.capacity() / kMostRoomPerSize <= size) {
+    if (kept.capacity() >= size &&
+        (kept.capacity() / kMostRoomPerSize <= size || kept.capacity() <= roomy)) {
       taken.swap(kept);
       break;
     }
@@ -62,7 +64,10 @@ void Keep(String buffer) {
 std::string TakeSpareBytes(size_t size) { return Take<std::string>(size); }
 
 std::string TakeSpareRoom(size_t size) {
-  std::string taken = Kept<std::string>(size);
+  // The room goes back to the kept buffers after use, so a small text may take one of a few
+  // ten kilobytes.
+  constexpr size_t kRoomyBytes = size_t{64} << 10;
+  std::string taken = Kept<std::string>(size, kRoomyBytes);
   ReserveLarge(taken, size);
   taken.resize(size);
   return taken;

@@ -44,6 +44,13 @@ TEST(SpareBuffersTest, HandsRoomOverWithoutClearingIt) {
     EXPECT_EQ(taken.size(), 600u);
     std::string fresh = TakeSpareRoom(50);
     EXPECT_EQ(fresh, std::string(50, '\0'));
+    // Room to be written and kept again may be much larger than asked for, up to 64 KB.
+    std::string roomy;
+    roomy.reserve(60 << 10);
+    const char* roomyData = roomy.data();
+    KeepSpare(std::move(roomy));
+    EXPECT_NE(TakeSpareBytes(100).data(), roomyData);
+    EXPECT_EQ(TakeSpareRoom(100).data(), roomyData);
   });
 }
 
