@@ -14,6 +14,7 @@
 #include "mime/multipart_walker.h"
 #include "mime/text_memo.h"
 #include "platform/code_page.h"
+#include "platform/letter_case.h"
 
 namespace mailslice::attach {
 namespace {
@@ -23,7 +24,7 @@ constexpr char kAttachment = 'A';
 void MarkAttachment(PartRecord& record) {
   const char* part = record.partText;
   CString contentType = mime::GetContentType(part, 0);
-  if (contentType.CompareNoCase(u"Message/RFC822") == 0) {
+  if (platform::EqualsNoCase(contentType.Str(), u"Message/RFC822")) {
     record.kind = kAttachment;
     record.charset = mime::GetCharSet(part);
     record.contentType = contentType;
@@ -43,7 +44,7 @@ void MarkAttachment(PartRecord& record) {
 // end, on a copy.
 const char* WithClosingDelimiter(const char* text, const CString& boundary, std::string& repaired) {
   std::string closing = platform::WideToAnsi((boundary + u"--").Str());
-  if (mime::TextMemo::FindWord(text, closing) != nullptr) return text;
+  if (mime::TextMemo::ContainsWord(text, closing)) return text;
   repaired = std::string(text) + "\r\n" + closing;
   return repaired.c_str();
 }

@@ -9,6 +9,7 @@
 #include "codec/base64_decoder.h"
 #include "codec/quoted_printable.h"
 #include "mime/header_parameters.h"
+#include "platform/letter_case.h"
 
 namespace mailslice::attach {
 namespace {
@@ -174,8 +175,9 @@ int SaveAttachedEmlFile(const char* partText, const std::string& destination) {
 
 int SaveBodyByEncoding(std::string_view body, const CString& transferEncoding,
                        const std::string& destination) {
-  if (transferEncoding.CompareNoCase(u"base64") == 0) return SaveBase64File(body, destination);
-  if (transferEncoding.CompareNoCase(u"quoted-printable") == 0) {
+  if (platform::EqualsNoCase(transferEncoding.Str(), u"base64"))
+    return SaveBase64File(body, destination);
+  if (platform::EqualsNoCase(transferEncoding.Str(), u"quoted-printable")) {
     return SaveQuotedPrintableFile(body, destination);
   }
   return SavePlainFile(body, destination);

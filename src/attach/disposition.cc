@@ -10,10 +10,11 @@ namespace mailslice::attach {
 
 CString ReadDisposition(const char* partText) {
   if (partText == nullptr) return CString();
-  for (const char* spelling : {"Content-Disposition:", "Content-disposition:"}) {
+  for (mime::PartWord spelling :
+       {mime::PartWord::kDisposition, mime::PartWord::kDispositionLower}) {
     const char* at = mime::TextMemo::Find(partText, spelling);
     if (at == nullptr) continue;
-    const char* value = at + std::strlen(spelling);
+    const char* value = at + mime::SpellingOf(spelling).size();
     size_t length = std::strcspn(value, ";\r\n");
     CString disposition(platform::AnsiToWide(std::string_view(value, length)));
     return disposition.Trim();

@@ -14,8 +14,10 @@
 namespace mailslice::attach {
 namespace {
 
-constexpr const char* kFileNameSpellings[] = {
-    "filename=", "Filename=", "name=", "filename*0*=", "filename*1=", "filename*="};
+constexpr mime::PartWord kFileNameSpellings[] = {
+    mime::PartWord::kFileName,       mime::PartWord::kFileNameCapital,
+    mime::PartWord::kName,           mime::PartWord::kFileNameFirstEncoded,
+    mime::PartWord::kFileNameSecond, mime::PartWord::kFileNameEncoded};
 constexpr std::string_view kMetaElement = "<meta ";
 constexpr std::string_view kExtendedParameter = "filename*";
 constexpr int kMostContinuations = 4096;
@@ -212,16 +214,16 @@ CString JoinContinuations(const std::map<int, Continuation>& pieces) {
   return NameFromBytes(bytes, charset);
 }
 
-const char* FindSpelling(const char* text, const char*& spelling) {
-  for (const char* candidate : kFileNameSpellings) {
+const char* FindSpelling(const char* text, std::string_view& spelling) {
+  for (mime::PartWord candidate : kFileNameSpellings) {
     const char* at = mime::TextMemo::Find(text, candidate);
     if (at == nullptr) continue;
     bool metaElement =
-        std::strcmp(candidate, "name=") == 0 &&
+        candidate == mime::PartWord::kName &&
         at - text > static_cast<std::ptrdiff_t>(kMetaElement.size()) &&
         std::string_view(at - kMetaElement.size(), kMetaElement.size()) == kMetaElement;
     if (metaElement) continue;  // an HTML <meta name=...>, not a file name
-    spelling = candidate;
+    spelling = mime::SpellingOf(candidate);
     return at;
   }
   return nullptr;
@@ -249,10 +251,9 @@ CString WithoutDoubledExtension(const CString& name) {
 
 CString ReadFileNameParameter(const char* partText) {
   if (partText == nullptr) return CString();
-  const char* spelling = nullptr;
-  const char* at = FindSpelling(partText, spelling);
+  std::string_view found;
+  const char* at = FindSpelling(partText, found);
   if (at == nullptr) return CString();
-  std::string_view found(spelling);
   if (found == "filename*=") {
     ExtendedValue value = SplitExtended(ReadValue(at + found.size()));
     return NameFromBytes(value.bytes, value.charset);

@@ -61,7 +61,10 @@ void DecodeEscape(Decoding& d) {
   bool valid = true;
   for (int k = 0; k < 2; ++k) {
     if (!IsHexDigit(digits[k])) valid = false;
-    if (digits[k] == '\r' && digits[k + 1] == '\n') {
+    // The byte behind the second digit may be the end of the text, which reads as its NUL
+    // (also for a text that goes on beyond the stretch decoded).
+    bool lineFeedFollows = digits + k + 1 < d.end && digits[k + 1] == '\n';
+    if (digits[k] == '\r' && lineFeedFollows) {
       d.in = digits + 2;
       return;
     }
@@ -109,7 +112,8 @@ void DecodeVectorBlocks(Decoding& d) {
   if (blocks.anyEscape) d.error = 1;
 }
 
-// `buffer` holds strlen(text) + 1 bytes, all zeros.
+// `buffer` holds size + 1 bytes; the decoded text is written there with its NUL, and the bytes
+// behind that are left as they were.
 char* DecodeInto(unsigned char* buffer, const char* text, size_t size, int* length, int* error) {
   const auto* in = reinterpret_cast<const unsigned char*>(text);
   Decoding d{in, in + size, buffer, buffer};
@@ -128,8 +132,10 @@ char* DecodeInto(unsigned char* buffer, const char* text, size_t size, int* leng
       DecodeEscape(d);
     } while (d.in < d.end && *d.in == '=');
   }
-  // The block copies may have written behind the output's end: that is cleared again.
+  // The block copies may have written behind the output's end: that is cleared again. The
+  // output ends in a NUL whatever the buffer held (the input's length leaves room for it).
   if (d.written > d.out) std::memset(d.out, 0, static_cast<size_t>(d.written - d.out));
+  *d.out = 0;
   if (error != nullptr) *error = d.error;
   if (cut) return reinterpret_cast<char*>(buffer);
   if (length != nullptr) {
@@ -152,7 +158,8 @@ char* DecodeQuotedPrintable(const char* text, int* length, int* error) {
 }
 
 void DecodeQuotedPrintableBody(const char* text, size_t size, std::string& decoded) {
-  decoded.assign(size + 1, '\0');
+  // Only the decoded text and its NUL are read: the room is not cleared first.
+  decoded.resize(size + 1);
   DecodeInto(reinterpret_cast<unsigned char*>(decoded.data()), text, size, nullptr, nullptr);
 }
 

@@ -19,8 +19,9 @@ char* DecodeQuotedPrintable(const char* text, int* length, int* error = nullptr)
 
 // DecodeQuotedPrintable(text, nullptr) for a body, which is read up to its NUL only, written
 // into `decoded` (its room is used, so a caller decoding one body after another asks the host
-// for no new memory): `text` holds `size` bytes followed by a NUL, and `decoded` gets size + 1
-// bytes, the text and its NUL first.
+// for no new memory): `text` holds `size` bytes, read as if a NUL followed them (whatever does),
+// and `decoded` gets size + 1 bytes, the text and its NUL first (what it held is left behind
+// them, so a caller may hand over a kept buffer without clearing it).
 void DecodeQuotedPrintableBody(const char* text, size_t size, std::string& decoded);
 
 }  // namespace mailslice::codec

@@ -81,8 +81,16 @@ __attribute__((target("avx2,popcnt"))) DecodedBlocks DecodeAvx2(const unsigned c
   uint64_t anyHex = 0;
   while (size - done.read >= kBlockBytes + kLookAhead) {
     const unsigned char* at = in + done.read;
-    __m256i block = Load(at), next = Load(at + 1), afterNext = Load(at + 2);
+    __m256i block = Load(at);
     __m256i equals = _mm256_cmpeq_epi8(block, Every('='));
+    if (_mm256_testz_si256(equals, equals)) {
+      // Plain text is copied as it stands (the output never runs ahead of the input).
+      _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + done.written), block);
+      done.written += kBlockBytes;
+      done.read += kBlockBytes;
+      continue;
+    }
+    __m256i next = Load(at + 1), afterNext = Load(at + 2);
     __m256i hex = _mm256_and_si256(equals, _mm256_and_si256(HexDigits(next), HexDigits(afterNext)));
     __m256i soft =
         _mm256_and_si256(equals, _mm256_and_si256(_mm256_cmpeq_epi8(next, Every('\r')),

@@ -15,6 +15,8 @@ constexpr std::string_view kBodyOpenPrefix = "body";
 constexpr std::string_view kBodyClosePrefix = "/body";
 constexpr std::u16string_view kScriptCommentPrefix = u"//";
 constexpr std::u16string_view kLineBreak = u"\r\n";
+constexpr std::string_view kScriptCommentBytes = "//";
+constexpr std::string_view kLineBreakBytes = "\r\n";
 
 }  // namespace
 
@@ -74,6 +76,7 @@ bool BodyTextCollector::Reads(std::string_view name) const {
 
 void BodyTextCollector::Attribute(std::string_view name, std::optional<std::string_view> value) {
   if (!Reads(name)) return;
+  if (bytewise_) return GatherBytes(value.value_or(std::string_view()));
   // An attribute written without a value reads as empty text. The line is widened onto the end
   // of the text, trimmed there and moved down over what was trimmed off its start.
   const size_t start = text_.size();
@@ -88,6 +91,21 @@ void BodyTextCollector::Attribute(std::string_view name, std::optional<std::stri
   std::char_traits<char16_t>::move(text_.data() + start, line.data(), line.size());
   text_.resize(start + line.size() + kLineBreak.size());
   kLineBreak.copy(text_.data() + start + line.size(), kLineBreak.size());
+}
+
+void BodyTextCollector::GatherBytes(std::string_view run) {
+  platform::TrimmedRange kept = platform::Untrimmed(run);
+  std::string_view line = run.substr(kept.begin, kept.end - kept.begin);
+  if (line.empty() || line.starts_with(kScriptCommentBytes)) return;
+  bytes_.append(line).append(kLineBreakBytes);
+}
+
+std::u16string BodyTextCollector::TakeText() {
+  if (!bytes_.empty()) {
+    reader_.AppendWidened(bytes_, text_);
+    bytes_.clear();
+  }
+  return std::move(text_);
 }
 
 CString HtmlDocument::CollectBodyText() const {

@@ -77,9 +77,11 @@ class HtmlElement {
 class BodyTextCollector {
  public:
   BodyTextCollector() = default;
-  // Collects into `storage`, emptied first: its room is used.
-  explicit BodyTextCollector(std::u16string&& storage) : text_(std::move(storage)) {
+  // Collects into `storage`, emptied first: its room is used, as is that of `bytes`.
+  explicit BodyTextCollector(std::u16string&& storage, std::string&& bytes = std::string())
+      : text_(std::move(storage)), bytes_(std::move(bytes)) {
     text_.clear();
+    bytes_.clear();
   }
 
   // An element of that name begins (its attributes follow).
@@ -88,12 +90,21 @@ class BodyTextCollector {
   void Attribute(std::string_view name, std::optional<std::string_view> value);
   // Whether an attribute of that name of the last element adds to the text.
   bool Reads(std::string_view name) const;
-  CString Take() { return CString(std::move(text_)); }
-  std::u16string TakeText() { return std::move(text_); }
+  CString Take() { return CString(TakeText()); }
+  std::u16string TakeText();
+  // The buffer the bytes were gathered in, for another use of its room.
+  std::string TakeBytes() { return std::move(bytes_); }
 
  private:
+  void GatherBytes(std::string_view run);
+
   platform::AnsiReader reader_;
+  // On a device code page that widens each byte on its own, the runs are gathered as bytes
+  // (trimmed as their wide text would be, as only ASCII reads as white space) and widened
+  // once at the end, instead of run by run.
+  bool bytewise_ = reader_.WidensEachByteAlone();
   std::u16string text_;
+  std::string bytes_;
   bool inBody_ = false;
 };
 

@@ -12,6 +12,7 @@
 #include "html/html_document.h"
 #include "html/tag_table.h"
 #include "platform/byte_search.h"
+#include "platform/spare_buffers.h"
 
 namespace mailslice::html {
 namespace {
@@ -136,7 +137,7 @@ class Parser {
   // At "<": a comment or a tag; a "<" the reader does not know is read as a tag here too.
   Element ReadMarkup() {
     cursor_ = SkipHtmlSpace(cursor_ + 1);
-    return Classify(cursor_) == Markup::kComment ? ReadComment() : ReadTag();
+    return ClassifyAt(cursor_) == Markup::kComment ? ReadComment() : ReadTag();
   }
 
   // A run of text ends at the first "<" that opens a comment or a known tag; any other "<"
@@ -206,6 +207,20 @@ class Parser {
     }
   }
 
+  // Classify, remembering the last answer: a text run ends at a "<" whose markup is then read,
+  // and a tag's end is looked at again as its attributes are read.
+  Markup ClassifyAt(const char* text) const {
+    if (text != classified_) {
+      classified_ = text;
+      markup_ = Classify(text);
+    }
+    return markup_;
+  }
+
+  bool MarkupFollows(const char* lessThan) const {
+    return ClassifyAt(SkipHtmlSpace(lessThan + 1)) != Markup::kNone;
+  }
+
   // At ">", or at a "<" that opens other markup (the cursor stays on it).
   bool AtTagEnd() const { return *cursor_ == '>' || (*cursor_ == '<' && MarkupFollows(cursor_)); }
 
@@ -248,6 +263,8 @@ class Parser {
   const char* cursor_;     // null once a text run has taken the rest of the page
   const char* const end_;  // the terminating NUL
   Builder& builder_;
+  mutable const char* classified_ = nullptr;  // where the last classified markup starts
+  mutable Markup markup_ = Markup::kNone;
 };
 
 }  // namespace
@@ -259,12 +276,15 @@ CString HtmlDocument::ReadBodyText(const char* text) {
 }
 
 void HtmlDocument::ReadBodyTextInto(const char* text, std::u16string& storage) {
-  BodyTextCollector collector(std::move(storage));
+  // The gathered text takes about as much room as the page.
+  BodyTextCollector collector(
+      std::move(storage), platform::TakeSpareBytes(text != nullptr ? std::strlen(text) + 2 : 0));
   if (text != nullptr) {
     TextBuilder builder(collector);
     Parser<TextBuilder>(text, builder).Run();
   }
   storage = collector.TakeText();
+  platform::KeepSpare(collector.TakeBytes());
 }
 
 int HtmlDocument::Parse(const char* text) {

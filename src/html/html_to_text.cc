@@ -13,6 +13,10 @@
 namespace mailslice::html {
 namespace {
 
+// Buffers up to this many units are handed over with the text they hold (the C library's heap
+// serves them again at once); larger ones are kept by the thread for the next body.
+constexpr size_t kLargestHandedOverUnits = size_t{64} << 10;
+
 // The 8-bit copy of the body has room for two bytes per wide character, as on the device.
 constexpr size_t kNarrowBytesPerCharacter = 2;
 
@@ -52,8 +56,11 @@ CString TextFromOwnReader(std::u16string&& html, std::string&& narrow) {
   }
   HtmlDocument::ReadBodyTextInto(narrow.c_str(), html);
   HtmlEntityDecoder().DecodeInPlace(html);
-  CString text{std::u16string(html)};
   platform::KeepSpare(std::move(narrow));
+  // A small buffer becomes the text itself; a large one is kept for the next body, and the text
+  // gets a string of its own length.
+  if (html.capacity() <= kLargestHandedOverUnits) return CString(std::move(html));
+  CString text{std::u16string(html)};
   platform::KeepSpare(std::move(html));
   return text;
 }

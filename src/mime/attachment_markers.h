@@ -13,6 +13,8 @@ int CountAttachmentMarkers(const char* text);
 // 1 when the text has a Content-Disposition (or Content-description) field and names a file in
 // any spelling anywhere, else 0 (also for a null text).
 int IsAttachmentHeader(const char* text);
+// The same for the stretch of the text in front of `end` (a place in it).
+int IsAttachmentHeader(const char* text, const char* end);
 
 }  // namespace mailslice::mime
 

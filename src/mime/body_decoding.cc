@@ -3,10 +3,8 @@
 #include <mailslice/device.h>
 
 #include <algorithm>
-#include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <string>
 
 #include "codec/base64_decoder.h"
@@ -25,11 +23,6 @@ constexpr int kCentralEuropeanLanguage = 48;
 constexpr int kArabicLanguage = 966;
 constexpr char16_t kUnmappedReplacement = u'?';
 constexpr std::string_view kUtf8ByteOrderMark = "\xEF\xBB\xBF";
-
-struct FreeDeleter {
-  void operator()(char* block) const { std::free(block); }
-};
-using HeapText = std::unique_ptr<char, FreeDeleter>;
 
 // The device reads 8-bit text through its ANSI code page, up to the first NUL.
 std::u16string Widened(std::string_view text) {
@@ -88,8 +81,7 @@ std::u16string FromUtf8ThroughDevice(std::string_view text, PageRequest request 
   }
   std::string room;
   if (request.textBuffer == nullptr) {
-    room = platform::TakeSpareBytes(text.size() + 1);
-    room.resize(text.size());
+    room = platform::TakeSpareRoom(text.size());
   }
   std::string& target = request.textBuffer != nullptr ? *request.textBuffer : room;
   if (request.pageOnly) {
@@ -166,28 +158,34 @@ CString ConvertBodyCharset(std::string_view text, const CString& charset) {
 
 std::u16string DecodeBodyWide(const char* body, CString charset, CString transferEncoding,
                               std::string* page, bool pageOnly) {
+  if (body == nullptr) {
+    if (page != nullptr) page->clear();
+    return std::u16string();
+  }
+  return DecodeBodyWide(std::string_view(body), std::move(charset), std::move(transferEncoding),
+                        page, pageOnly);
+}
+
+std::u16string DecodeBodyWide(std::string_view body, CString charset, CString transferEncoding,
+                              std::string* page, bool pageOnly) {
   if (page != nullptr) page->clear();
-  if (body == nullptr) return std::u16string();
   charset.MakeLower();
   transferEncoding.MakeLower();
   if (transferEncoding == u"quoted-printable") {
     // Decoded as an encoded word is: under language 33 underscores become spaces. The decoded
     // bytes are read up to their NUL.
-    size_t size = std::strlen(body);
-    std::string decoded = platform::TakeSpareBytes(size + 1);
-    codec::DecodeQuotedPrintableBody(body, size, decoded);
+    std::string decoded = platform::TakeSpareRoom(body.size() + 1);
+    codec::DecodeQuotedPrintableBody(body.data(), body.size(), decoded);
     // The page, when asked for, is written over the decoded bytes as they are read.
     std::u16string wide = ConvertCharset(decoded.c_str(), charset, {page, &decoded, pageOnly});
     platform::KeepSpare(std::move(decoded));
     return wide;
   }
   if (transferEncoding == u"base64") {
-    int length = static_cast<int>(std::min<size_t>(std::strlen(body), INT32_MAX));
-    HeapText decoded(codec::DecodeBase64(body, &length));
-    if (!decoded) return std::u16string();
     // Only the bytes the decoder counts: a spoiled last group leaves uncounted bytes behind.
-    return ConvertCharset(std::string_view(decoded.get(), static_cast<size_t>(length)), charset,
-                          {page, nullptr, pageOnly});
+    std::string decoded;
+    codec::Base64BlockDecoder().Decode(body, true, decoded);
+    return ConvertCharset(decoded, charset, {page, nullptr, pageOnly});
   }
   if (transferEncoding == u"8bit" || transferEncoding == u"7bit") {
     return ConvertCharset(body, charset, {page, nullptr, pageOnly});

@@ -21,6 +21,9 @@ CString DecodeBodyText(const char* body, CString charset, CString transferEncodi
 // With `pageOnly`, the wide text is left out (returned empty) whenever the page comes out.
 std::u16string DecodeBodyWide(const char* body, CString charset, CString transferEncoding,
                               std::string* page = nullptr, bool pageOnly = false);
+// The same for a body that lies inside a longer text: it reads as a NUL-terminated copy would.
+std::u16string DecodeBodyWide(std::string_view body, CString charset, CString transferEncoding,
+                              std::string* page = nullptr, bool pageOnly = false);
 
 // 8-bit text in `charset` (lower case) to wide text, by the rules of the device's language.
 CString ConvertBodyCharset(std::string_view text, const CString& charset);

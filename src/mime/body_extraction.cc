@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,6 +19,7 @@
 #include "mime/piece_text.h"
 #include "mime/text_memo.h"
 #include "platform/code_page.h"
+#include "platform/letter_case.h"
 #include "platform/spare_buffers.h"
 #include "platform/white_space.h"
 
@@ -41,6 +43,37 @@ char* HeapCopy(std::string_view text, size_t extraZeros = 1) {
   auto* copy = static_cast<char*>(std::calloc(text.size() + extraZeros, 1));
   if (copy != nullptr) std::memcpy(copy, text.data(), text.size());
   return copy;
+}
+
+// The body of one part as GetMultiPartFirstBody copies it, where it lies in the part; empty when
+// the part has no body of at least two characters.
+std::string_view MultiPartFirstBody(const char* partText) {
+  if (partText == nullptr) return {};
+  // The search is for LF CR LF: the empty line of a part header whose lines end in CR LF.
+  const char* body = std::strstr(partText, "\n\r\n");
+  if (body != nullptr) {
+    body += 3;
+  } else if ((body = std::strstr(partText, "\n\n")) != nullptr) {
+    body += 2;
+  } else {
+    return {};
+  }
+  if (*body == '\0') return {};
+  const char* end = std::strrchr(body, '\n');
+  if (end == nullptr) return {};
+  // Trailing empty lines and the last line end go; text behind the last LF is dropped.
+  while (end > body && end[-1] == '\r') {
+    if (end - 1 > partText && end[-2] == '\n') {
+      end -= 2;
+      continue;
+    }
+    --end;
+    break;
+  }
+  // The length counts to the last kept character, so a body of one character has none.
+  std::ptrdiff_t length = end - 1 - body;
+  if (length < 1) return {};
+  return std::string_view(body, static_cast<size_t>(length) + 1);
 }
 
 // The text behind the first empty line (CR LF CR LF, else LF LF), or null.
@@ -74,7 +107,18 @@ class BodyWalk {
   CString FromSinglePart(const char* text) const;
 
  private:
-  void ProcessPart(CString& result, WalkedText part, const CString& boundary);
+  // What is read of a piece's content type, kept so that each is read once.
+  struct PartTypes {
+    CString whole;                    // GetContentType(part, 1), in lower case
+    std::optional<CString> declared;  // GetContentType(part, 0), once read
+  };
+  static const CString& Declared(const char* part, PartTypes& types);
+
+  void ProcessPart(CString& result, WalkedText part, const CString& boundary, PartTypes& types);
+  size_t ReplacingPart(PieceTexts& parts, const std::vector<Piece>& pieces,
+                       std::vector<PartTypes>& types) const;
+  // Whether the HTML reader needs an HTML body's page alone: its wide text is then not made.
+  bool PageOnly(bool html) const { return html && html_.save == 0 && !html::ReadsWideText(); }
   void Nested(CString& result, WalkedText part, const CString& boundary);
   void EmbeddedMessage(CString& result, WalkedText part);
   void Join(CString& result, WalkedText text, const std::vector<Piece>& pieces,
@@ -100,13 +144,11 @@ CString BodyWalk::FromSinglePart(const char* text) const {
   CString contentType = GetContentType(text, 0);
   if (start != nullptr && start[0] == '\r' && start[1] == '\n') start += 2;
   // A page sent without any Content-Type still opens with its doctype.
-  bool html = contentType.CompareNoCase(u"text/html") == 0;
+  bool html = platform::EqualsNoCase(contentType.Str(), u"text/html");
   std::string page;
-  // The HTML reader may need the page alone: the wide text is then not made.
-  bool pageOnly = html && html_.save == 0 && !html::ReadsWideText();
   std::u16string decoded =
       DecodeBodyWide(start, GetCharSet(text), GetTransEncode(text),
-                     html || contentType.IsEmpty() ? &page : nullptr, pageOnly);
+                     html || contentType.IsEmpty() ? &page : nullptr, PageOnly(html));
   if (html || (contentType.IsEmpty() && decoded.starts_with(kDoctype))) {
     return HtmlBodyToText(std::move(decoded), std::move(page), html_);
   }
@@ -119,7 +161,7 @@ void BodyWalk::FromMultipart(CString& result, WalkedText text, const CString& bo
   // A message cut off before its closing delimiter gets one, on a private copy.
   std::string closing = platform::WideToAnsi((boundary + u"--").Str());
   std::string repaired;
-  if (TextMemo::FindWord(text.text, closing) == nullptr) {
+  if (!TextMemo::ContainsWord(text.text, closing)) {
     repaired = std::string(text.text) + "\r\n--" + closing;
     text = WalkedText(repaired.c_str(), true);
   }
@@ -141,34 +183,59 @@ void BodyWalk::FromMultipart(CString& result, WalkedText text, const CString& bo
   Join(result, text, pieces, boundary);
 }
 
+const CString& BodyWalk::Declared(const char* part, PartTypes& types) {
+  if (!types.declared) types.declared = GetContentType(part, 0);
+  return *types.declared;
+}
+
+// Of a plain and an HTML alternative (outside Apple Mail's way), the last HTML part that is
+// read replaces all text before it: the index of that part, else 0. Parts of plain text in
+// front of it need not be read, as reading them changes nothing else; but with the HTML source
+// saved each HTML body read is saved, so then every part is read.
+size_t BodyWalk::ReplacingPart(PieceTexts& parts, const std::vector<Piece>& pieces,
+                               std::vector<PartTypes>& types) const {
+  if (html_.save != 0) return 0;
+  for (size_t i = pieces.size() - 1; i >= 1; --i) {
+    // The second part is passed over after a first alternative, which a first part of plain
+    // text leaves as it is now.
+    if (i == 1 && (alternative_ != 0 || types[0].whole.Str() != u"text/plain")) return 0;
+    if (Lower(Declared(parts.Of(pieces[i]).text(), types[i])) == u"text/html") return i;
+  }
+  return 0;
+}
+
 // The first part's text becomes the result; each further one is added after an empty line,
 // except that of a plain and an HTML alternative the HTML one is shown (Apple Mail sends
 // the two as parts to be shown one after the other, so there both are kept).
 void BodyWalk::Join(CString& result, WalkedText text, const std::vector<Piece>& pieces,
                     const CString& boundary) {
   PieceTexts parts(text);
+  std::vector<PartTypes> types(pieces.size());
   bool hasPlain = false, hasHtml = false;
-  for (const Piece& piece : pieces) {
-    CString contentType = Lower(GetContentType(parts.Of(piece).text(), 1));
-    hasPlain = hasPlain || contentType == u"text/plain";
-    hasHtml = hasHtml || contentType == u"text/html";
+  for (size_t i = 0; i < pieces.size(); ++i) {
+    types[i].whole = Lower(GetContentType(parts.Of(pieces[i]).text(), 1));
+    hasPlain = hasPlain || types[i].whole.Str() == u"text/plain";
+    hasHtml = hasHtml || types[i].whole.Str() == u"text/html";
   }
-  ProcessPart(result, parts.Of(pieces[0]).walked(), boundary);
   bool appleMail = Lower(boundary).Find(u"apple-mail") >= 0;
+  size_t replacing = hasPlain && hasHtml && !appleMail ? ReplacingPart(parts, pieces, types) : 0;
+  auto unread = [&](size_t i) { return i < replacing && types[i].whole.Str() == u"text/plain"; };
+  if (!unread(0)) ProcessPart(result, parts.Of(pieces[0]).walked(), boundary, types[0]);
   for (size_t i = 1; i < pieces.size(); ++i) {
     if (alternative_ != 0 && i == 1) {
       alternative_ = 0;  // the first alternative was taken
       continue;
     }
+    if (unread(i)) continue;
     PieceTexts::Lent part = parts.Of(pieces[i]);
     CString shown;
-    ProcessPart(shown, part.walked(), boundary);
+    ProcessPart(shown, part.walked(), boundary, types[i]);
     if (!shown.IsEmpty()) result += u"\r\n\r\n";
     if (!(hasPlain && hasHtml)) {
       result += shown;
-    } else if (Lower(GetContentType(part.text(), 0)) == u"text/html") {
+    } else if (Lower(Declared(part.text(), types[i])) == u"text/html") {
       if (result.IsEmpty() || !appleMail) {
-        result = shown;
+        result = std::move(shown);
       } else {
         result += shown;
       }
@@ -194,15 +261,16 @@ void BodyWalk::EmbeddedMessage(CString& result, WalkedText part) {
   if (message == nullptr) return;
   CString contentType = GetContentType(message, 1);
   if (contentType.Right(1) == u";") contentType = contentType.Left(contentType.GetLength() - 1);
-  if (contentType.CompareNoCase(u"multipart/alternative") == 0) alternative_ = 1;
+  if (platform::EqualsNoCase(contentType.Str(), u"multipart/alternative")) alternative_ = 1;
   result = EmbeddedMessageLine() + FromSinglePart(message);
   if (result.Right(2) == u"--") result = result.Left(result.GetLength() - 2);
 }
 
-void BodyWalk::ProcessPart(CString& result, WalkedText walked, const CString& boundary) {
+void BodyWalk::ProcessPart(CString& result, WalkedText walked, const CString& boundary,
+                           PartTypes& types) {
   const char* part = walked.text;
   if (part == nullptr) return;
-  CString contentType = Lower(GetContentType(part, 1));
+  std::u16string_view contentType = types.whole.Str();
   if (contentType == u"multipart/digest" || contentType == u"multipart/related") {
     CString nested;
     if (GetBoundary(part, nested, nullptr) == 0) nested = boundary;
@@ -223,23 +291,26 @@ void BodyWalk::ProcessPart(CString& result, WalkedText walked, const CString& bo
     return;
   }
   if (contentType == u"image/jpeg" || contentType == u"image/gif") return;
-  CString partType = GetContentType(part, 0);
+  if (IsAttachmentPart(part) == 1) return;
+  // The body is read where it lies in the part.
+  std::string_view body = MultiPartFirstBody(part);
+  if (body.empty()) return;
+  const CString& partType = Declared(part, types);
   CString charset = GetCharSet(part);
   CString transferEncoding = GetTransEncode(part);
-  if (IsAttachmentPart(part) == 1) return;
-  HeapText body(GetMultiPartFirstBody(part));
-  if (!body) return;
-  bool html = partType.CompareNoCase(u"text/html") == 0;
+  bool html = platform::EqualsNoCase(partType.Str(), u"text/html");
   std::string page;
   std::u16string decoded =
-      DecodeBodyWide(body.get(), charset, transferEncoding, html ? &page : nullptr);
-  if (decoded.empty()) {
+      DecodeBodyWide(body, charset, transferEncoding, html ? &page : nullptr, PageOnly(html));
+  if (decoded.empty() && page.empty()) {
     result.Empty();
     return;
   }
-  // The page holds a byte for each unit: it is trimmed at the same places.
-  platform::TrimmedRange kept = platform::Untrimmed(decoded);
-  platform::KeepOnly(decoded, kept);
+  // The page holds a byte for each unit: it is trimmed at the same places. A page that came
+  // alone is trimmed by its bytes, which are the units themselves where they are white space.
+  platform::TrimmedRange kept =
+      decoded.empty() ? platform::Untrimmed(std::string_view(page)) : platform::Untrimmed(decoded);
+  if (!decoded.empty()) platform::KeepOnly(decoded, kept);
   if (!page.empty()) platform::KeepOnly(page, kept);
   if (html) {
     result = HtmlBodyToText(std::move(decoded), std::move(page), html_);
@@ -300,32 +371,8 @@ char* GetSinglePartBody(const char* text) {
 }
 
 char* GetMultiPartFirstBody(const char* partText) {
-  if (partText == nullptr) return nullptr;
-  // The search is for LF CR LF: the empty line of a part header whose lines end in CR LF.
-  const char* body = std::strstr(partText, "\n\r\n");
-  if (body != nullptr) {
-    body += 3;
-  } else if ((body = std::strstr(partText, "\n\n")) != nullptr) {
-    body += 2;
-  } else {
-    return nullptr;
-  }
-  if (*body == '\0') return nullptr;
-  const char* end = std::strrchr(body, '\n');
-  if (end == nullptr) return nullptr;
-  // Trailing empty lines and the last line end go; text behind the last LF is dropped.
-  while (end > body && end[-1] == '\r') {
-    if (end - 1 > partText && end[-2] == '\n') {
-      end -= 2;
-      continue;
-    }
-    --end;
-    break;
-  }
-  // The length counts to the last kept character, so a body of one character has none.
-  std::ptrdiff_t length = end - 1 - body;
-  if (length < 1) return nullptr;
-  return HeapCopy(std::string_view(body, static_cast<size_t>(length) + 1));
+  std::string_view body = MultiPartFirstBody(partText);
+  return body.empty() ? nullptr : HeapCopy(body);
 }
 
 CString GetRemainBody(const CString& text) {
@@ -346,8 +393,7 @@ int IsAttachmentPart(const char* partText) {
   const char* separator = std::strstr(partText, "\r\n\r\n");
   if (separator == nullptr) separator = std::strstr(partText, "\n\n");
   if (separator == nullptr) return 0;
-  std::string header(partText, static_cast<size_t>(separator - partText));
-  return IsAttachmentHeader(header.c_str());
+  return IsAttachmentHeader(partText, separator);
 }
 
 }  // namespace mailslice::mime

@@ -1,42 +1,43 @@
 #include "mime/header_parameters.h"
 
-#include <array>
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
+#include <string>
 #include <string_view>
 
-#include "codec/substring_search.h"
 #include "mime/content_type_rules.h"
 #include "mime/text_memo.h"
 #include "platform/code_page.h"
+#include "platform/letter_case.h"
+#include "platform/white_space.h"
 
 namespace mailslice::mime {
 namespace {
 
-constexpr const char* kMimeVersionMarkers[] = {"Mime-Version: 1.0", "MIME-Version: 1.0"};
+constexpr PartWord kMimeVersionMarkers[] = {PartWord::kMimeVersion, PartWord::kMimeVersionCapitals};
 // In order of preference: the first spelling the text holds anywhere is the one read.
-constexpr std::string_view kBoundarySpellings[] = {
-    "boundary=", "BOUNDARY=", "boundary =", "Boundary="};
-// What every spelling but the capitals holds from its second letter on.
-constexpr std::string_view kBoundaryStem = "oundary";
-constexpr size_t kCapitalSpelling = 1;
-constexpr std::string_view kTransferEncoding = "Content-Transfer-Encoding:";
-constexpr std::string_view kTransferEncodingLower = "Content-transfer-encoding:";
-constexpr std::string_view kCharset = "charset=";
+constexpr PartWord kBoundarySpellings[] = {PartWord::kBoundary, PartWord::kBoundaryCapitals,
+                                           PartWord::kBoundarySpaced, PartWord::kBoundaryCapital};
+constexpr size_t kTransferEncodingLength = 26;  // "Content-Transfer-Encoding:", either case
+constexpr size_t kCharsetLength = 8;            // "charset="
 constexpr char16_t kDefaultTransferEncoding[] = u"8bit";
 constexpr size_t kShortestTransferEncoding = 3;
 
 // The cut-out value widened through the device code page and trimmed.
-CString Widened(const char* begin, const char* end) {
-  CString value(platform::AnsiToWide(std::string_view(begin, static_cast<size_t>(end - begin))));
-  value.Trim();
+std::u16string WidenedText(const char* begin, const char* end) {
+  std::u16string value =
+      platform::AnsiToWide(std::string_view(begin, static_cast<size_t>(end - begin)));
+  platform::TrimSpaces(value);
   return value;
 }
+
+CString Widened(const char* begin, const char* end) { return CString(WidenedText(begin, end)); }
 
 // The first MIME version line at or after `origin`, else `origin` itself: several searches
 // start there to pass over whatever unrelated text comes first.
 const char* MimeVersionLine(const char* origin) {
-  for (const char* marker : kMimeVersionMarkers) {
+  for (PartWord marker : kMimeVersionMarkers) {
     if (const char* found = TextMemo::Find(origin, marker)) return found;
   }
   return origin;
@@ -54,33 +55,32 @@ const char* LineEndBehind(const char* valueStart) {
   return *valueStart == '\0' ? nullptr : LineEnd(valueStart + 1);
 }
 
-// The first occurrence of `needle` at or after `from` for which `accept` holds, or null.
+// The first place at or after `from` for which `accept` holds, or null.
 template <typename Accept>
-const char* FindAccepted(std::string_view text, const char* from, std::string_view needle,
-                         Accept accept) {
-  for (size_t at = codec::FindSubstring(text, needle, static_cast<size_t>(from - text.data()));
-       at != std::string_view::npos; at = codec::FindSubstring(text, needle, at + 1)) {
-    if (accept(text.data() + at)) return text.data() + at;
+const char* FindAccepted(const WordPlaces& places, const char* from, Accept accept) {
+  for (const char* at = places.Next(from); at != nullptr; at = places.Next(at + 1)) {
+    if (accept(at)) return at;
   }
   return nullptr;
 }
 
 const char* FindContentTypeField(const char* text, int wholeText) {
-  std::string_view whole(text, TextMemo::Length(text));
+  WordPlaces fields = TextMemo::Places(text, PartWord::kContentType);
+  WordPlaces lowerFields = TextMemo::Places(text, PartWord::kContentTypeLower);
   const char* point = wholeText == 0 ? MimeVersionLine(text) : text;
   while (true) {
-    if (const char* found = FindAccepted(whole, point, kContentTypeField, [](const char* at) {
+    if (const char* found = FindAccepted(fields, point, [](const char* at) {
           return !RunsIntoNextFieldName(at + kContentTypeField.size());
         })) {
       return found;
     }
-    if (const char* found = FindAccepted(whole, text, kContentTypeFieldLower, [](const char* at) {
+    if (const char* found = FindAccepted(lowerFields, text, [](const char* at) {
           return !StartsWith(at + kContentTypeFieldLower.size(), kTransferEncodingName);
         })) {
       return found;
     }
     // A field before the MIME version line is the last resort.
-    const char* first = TextMemo::Find(text, kContentTypeField.data());
+    const char* first = fields.First();
     if (first == nullptr) return nullptr;
     if (!StartsWith(first + kContentTypeField.size(), kTransferEncodingName)) return first;
     // Going round again from the same place would find the same field for ever: the text has
@@ -91,31 +91,10 @@ const char* FindContentTypeField(const char* text, int wholeText) {
 }
 
 // Where the value of the boundary parameter starts: behind the first occurrence of the first
-// spelling in kBoundarySpellings that occurs in the text at all. One scan for the shared stem
-// finds the first occurrence of the three lower-case spellings, and a second the capitals only
-// when the preferred spelling is missing, where searching for each spelling in turn would scan a
-// text without a boundary (a long single-part body) four times.
-const char* BoundaryValueStart(std::string_view text) {
-  std::array<size_t, std::size(kBoundarySpellings)> first;
-  first.fill(std::string_view::npos);
-  for (size_t stem = codec::FindSubstring(text, kBoundaryStem, 1);
-       stem != std::string_view::npos && first[0] == std::string_view::npos;
-       stem = codec::FindSubstring(text, kBoundaryStem, stem + 1)) {
-    std::string_view candidate = text.substr(stem - 1);
-    for (size_t spelling = 0; spelling < first.size(); ++spelling) {
-      if (spelling != kCapitalSpelling && first[spelling] == std::string_view::npos &&
-          candidate.starts_with(kBoundarySpellings[spelling])) {
-        first[spelling] = stem - 1;
-      }
-    }
-  }
-  if (first[0] == std::string_view::npos) {
-    first[kCapitalSpelling] = codec::FindSubstring(text, kBoundarySpellings[kCapitalSpelling]);
-  }
-  for (size_t spelling = 0; spelling < first.size(); ++spelling) {
-    if (first[spelling] != std::string_view::npos) {
-      return text.data() + first[spelling] + kBoundarySpellings[spelling].size();
-    }
+// spelling in kBoundarySpellings that occurs in the text at all.
+const char* BoundaryValueStart(const char* text) {
+  for (PartWord spelling : kBoundarySpellings) {
+    if (const char* at = TextMemo::Find(text, spelling)) return at + SpellingOf(spelling).size();
   }
   return nullptr;
 }
@@ -124,9 +103,9 @@ const char* BoundaryValueStart(std::string_view text) {
 
 int GetBoundary(const char* text, CString& boundary, int* offset) {
   if (text == nullptr) return 0;
-  const char* valueStart = TextMemo::Find(text, "boundary parameter", [text] {
-    return BoundaryValueStart(std::string_view(text, TextMemo::Length(text)));
-  });
+  // Four spellings are asked for: one pass finds them all.
+  HeldText held(text);
+  const char* valueStart = BoundaryValueStart(text);
   if (valueStart == nullptr) return 0;
   const char* lineEnd = LineEnd(valueStart);
   if (lineEnd == nullptr) return 0;
@@ -165,21 +144,35 @@ CString GetContentType(const char* text, int wholeText) {
 }
 
 CString ContentTypeValue(const char* begin, const char* end) {
-  CString value = Widened(begin, end);
+  const platform::AnsiReader& reader = platform::DeviceAnsiReader();
+  if (reader.WidensEachByteAlone()) {
+    // Where each byte widens alone, the bytes of white space, of the line break and of the
+    // ";" are those units themselves: the value is cut in bytes, and only what is kept of a
+    // value that ran over line ends is widened.
+    std::string_view bytes(begin, static_cast<size_t>(end - begin));
+    platform::TrimmedRange kept = platform::Untrimmed(bytes);
+    bytes = bytes.substr(kept.begin, kept.end - kept.begin);
+    bytes = bytes.substr(0, bytes.find("\r\n"));
+    bytes = bytes.substr(0, bytes.find(';'));
+    std::u16string value = reader.Widen(bytes);
+    if (value == u"Sender:") return CString();
+    return CString(std::move(value));
+  }
+  std::u16string value = WidenedText(begin, end);
   // The ";" search is not bound to the line, so the value may have run over line ends.
-  if (int lineBreak = value.Find(u"\r\n"); lineBreak >= 0) value = value.Left(lineBreak);
-  if (int semicolon = value.Find(u';'); semicolon >= 0) value = value.Left(semicolon);
+  value.resize(std::min(value.size(), value.find(u"\r\n")));
+  value.resize(std::min(value.size(), value.find(u';')));
   // An empty field swallowed the next line's field name.
   if (value == u"Sender:") return CString();
-  return value;
+  return CString(std::move(value));
 }
 
 CString GetCharSet(const char* text) {
   if (text == nullptr) return CString();
-  const char* found = TextMemo::Find(MimeVersionLine(text), kCharset.data());
-  if (found == nullptr) found = TextMemo::Find(text, kCharset.data());
+  const char* found = TextMemo::Find(MimeVersionLine(text), PartWord::kCharset);
+  if (found == nullptr) found = TextMemo::Find(text, PartWord::kCharset);
   if (found == nullptr) return CString();
-  const char* valueStart = found + kCharset.size();
+  const char* valueStart = found + kCharsetLength;
   // The end rules compare addresses, a missing ";" counting as address zero: a value is cut
   // at CR LF only when no ";" follows anywhere, else at the ";", then at LF, then at a space.
   const char* valueEnd = std::strstr(valueStart, "\r\n");
@@ -210,11 +203,11 @@ CString ReadTransferEncoding(const char* text, const char* origin, const char** 
   const char* point = MimeVersionLine(origin);
   const char* field = nullptr;
   while (field == nullptr) {
-    field = TextMemo::Find(point, kTransferEncoding.data());
+    field = TextMemo::Find(point, PartWord::kTransferEncoding);
     if (field != nullptr) break;
-    field = TextMemo::Find(origin, kTransferEncodingLower.data());
+    field = TextMemo::Find(origin, PartWord::kTransferEncodingLower);
     if (field != nullptr) break;
-    field = TextMemo::Find(origin, kTransferEncoding.data());
+    field = TextMemo::Find(origin, PartWord::kTransferEncoding);
     if (field == nullptr) return CString(kDefaultTransferEncoding);
     bool afterEmptyContentType =
         field - text >= static_cast<std::ptrdiff_t>(kContentTypeField.size()) &&
@@ -225,7 +218,7 @@ CString ReadTransferEncoding(const char* text, const char* origin, const char** 
     point = field + 1;
     field = nullptr;
   }
-  const char* valueStart = field + kTransferEncoding.size();
+  const char* valueStart = field + kTransferEncodingLength;
   const char* valueEnd = LineEndBehind(valueStart);
   if (valueEnd == nullptr) return CString(kDefaultTransferEncoding);
   *lineEnd = valueEnd;
@@ -248,8 +241,8 @@ CString GetTransEncode(const char* text) {
 }
 
 int IsKnownTransferEncoding(const CString& value) {
-  for (const char16_t* known : {u"quoted-printable", u"base64", u"8bit", u"7bit"}) {
-    if (value.CompareNoCase(known) == 0) return 1;
+  for (std::u16string_view known : {u"quoted-printable", u"base64", u"8bit", u"7bit"}) {
+    if (platform::EqualsNoCase(value.Str(), known)) return 1;
   }
   return 0;
 }

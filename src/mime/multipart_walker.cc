@@ -5,6 +5,7 @@
 #include <cstring>
 #include <new>
 #include <optional>
+#include <utility>
 
 #include "mime/content_type_reader.h"
 #include "mime/forward_finder.h"
@@ -25,9 +26,9 @@ std::string Delimiter(const CString& boundary) {
 
 class Walk {
  public:
-  Walk(const char* text, const CString& boundary)
+  Walk(const char* text, std::string delimiter)
       : text_(text, TextMemo::Length(text)),
-        outer_(text_, Delimiter(boundary)),
+        outer_(text_, std::move(delimiter)),
         closing_(text_, outer_.needle() + "--"),
         contentTypes_(text_) {}
 
@@ -163,9 +164,10 @@ int WalkMultipart(const char* text, const CString& boundary,
   try {
     // The loaded message is walked for its body, its attachment list and its saves, each time
     // to the same pieces: the first complete walk is kept and the others replay it.
-    TextMemo::KeptWalk* kept = TextMemo::KeptWalkOf(text, Delimiter(boundary));
+    std::string delimiter = Delimiter(boundary);
+    TextMemo::KeptWalk* kept = TextMemo::KeptWalkOf(text, delimiter);
     if (kept != nullptr && kept->complete) return Replay(*kept, take);
-    Walk walk(text, boundary);
+    Walk walk(text, std::move(delimiter));
     if (kept == nullptr || kept->recording) return walk.Run(take);
     return Recorded(walk, *kept, take);
   } catch (const std::bad_alloc&) {

@@ -1,20 +1,23 @@
-// What the part readers learn about a text while it is being read: its length, and where a
-// word first occurs in it. Each reader searches its part anew (for the MIME version line, the
-// charset, the fields), and in a part that lacks the word each search runs to the end of the
-// part, which in a message with a large attachment is most of the message. While a walk lends
-// a piece (or a reader is given the loaded message) the text cannot change, so the answers are
-// kept for it and the searches after the first are free.
+// What the part readers learn about a text while it is being read: its length, and where the
+// words they look for stand in it. Each reader searches its part anew (for the MIME version
+// line, the charset, the fields), and in a part that lacks the word each search would run to
+// the end of the part, which in a message with a large attachment is most of the message. While
+// a walk lends a piece (or a reader is given the loaded message) the text cannot change, so one
+// pass over it finds every place of every part word, and later questions are looked up.
 #ifndef MAILSLICE_MIME_TEXT_MEMO_H
 #define MAILSLICE_MIME_TEXT_MEMO_H
 
 #include <cstddef>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
 #include <tuple>
 #include <utility>
 #include <vector>
+
+#include "mime/part_words.h"
 
 namespace mailslice::mime {
 
@@ -39,11 +42,40 @@ class TextMemo {
 
   // strlen(text), remembered when a memo holds the text.
   static size_t Length(const char* text);
-  // strstr(text, needle), remembered when a memo holds the text.
-  static const char* Find(const char* text, const char* needle);
-  // strstr(text, word) for a word made at run time (a boundary's delimiter), remembered when a
-  // memo holds the text: the memo keeps a copy of the word to remember the answer under.
-  static const char* FindWord(const char* text, const std::string& word);
+  // The places of `word` in the text at `from`, read to its NUL as strstr reads it; `from` may
+  // be the start of a text a memo holds, or any place inside one. A memo's own text reads as
+  // the memo holds it (the standing memo's as a whole, whatever part of it is ended in place
+  // meanwhile: an in-place end stands at a delimiter's "--", inside no part word). Answered by
+  // an index of all part words, made with one pass over the text the first time; a text that
+  // no memo holds is searched.
+  static WordPlaces Places(const char* from, PartWord word) { return WordsOf(from).Places(word); }
+  // strstr(from, word's spelling), as Places finds it.
+  static const char* Find(const char* from, PartWord word) { return Places(from, word).First(); }
+
+  // What is known of the part words in the text at one place (see Places).
+  class Words {
+   public:
+    WordPlaces Places(PartWord word) const {
+      return index_ != nullptr ? WordPlaces(from_, end_, word, base_, *index_)
+                               : WordPlaces(from_, end_, word);
+    }
+
+   private:
+    friend class TextMemo;
+    const char* from_ = nullptr;
+    const char* end_ = nullptr;
+    const char* base_ = nullptr;
+    const PartWordIndex* index_ = nullptr;  // null when the words are searched for
+  };
+  // The readers ask one place about several words in a row: the last answer is kept until a
+  // memo comes or goes.
+  static const Words& WordsOf(const char* from);
+  // Whether `word`, made at run time (a boundary's closing delimiter), stands anywhere in the
+  // text, remembered when a memo holds the text: the memo keeps a copy of the word to remember
+  // the answer under.
+  static bool ContainsWord(const char* text, const std::string& word);
+  // Whether a memo holds the text at `from` (as its own text, or a place inside it).
+  static bool Holds(const char* from);
 
   // A walk over a text's pieces as a walker recorded it, kept for a text that a standing memo
   // holds (the loaded message, or a piece of it lent whole), which is cut the same way every
@@ -64,48 +96,69 @@ class TextMemo {
   // when no standing memo holds the text.
   static KeptWalk* KeptWalkOf(const char* text, std::string_view delimiter);
 
-  // search(), a place in `text` found by a search of the caller's own, remembered under `key`
-  // when a memo holds the text. A key must differ from every word searched for with Find.
-  // Words and keys are kept as they are given: they must be constants.
-  template <typename Search>
-  static const char* Find(const char* text, std::string_view key, Search search) {
-    TextMemo* memo = Holding(text);
-    return memo == nullptr ? search() : memo->Answer(key, search);
-  }
-
  private:
   static TextMemo* Holding(const char* text);
   // The standing memo, when it holds `text` as a whole (`length` unknown, or its own).
   static TextMemo* StandingFor(const char* text, size_t length);
-  const std::pair<std::string_view, const char*>* Known(std::string_view key) const;
-  // strstr(text, needle) for the text `memo` holds, remembered there.
-  static const char* Find(TextMemo* memo, const char* text, const char* needle);
+  // How the text at `from` reads: to `end`, by the index of `keeper`'s text; a null keeper when
+  // no memo holds it.
+  struct Reading {
+    const char* end = nullptr;
+    TextMemo* keeper = nullptr;
+  };
+  static Reading ReadingOf(const char* from);
+  // The memo whose text holds [from, end) and reaches furthest: its index answers for it.
+  static TextMemo* KeeperOf(const char* from, const char* end);
+  // The end of the memo's text, measured when it was not yet.
+  const char* End();
+  // Whether the memo only hands its questions on to the standing memo.
+  bool Aliases() const { return standing_ != nullptr; }
+  // The index of the memo's text, made the first time; null when it cannot be made.
+  const PartWordIndex* Index();
   // The answer remembered under `key`, found by `search` the first time.
   template <typename Search>
   const char* Answer(std::string_view key, Search search) {
-    if (const auto* known = Known(key)) return known->second;
+    Answers& answers = AnswerStore();
+    for (const auto& [known, at] : answers) {
+      if (known == key) return at;
+    }
     const char* at = search();
-    answers_->emplace_back(key, at);
+    answers.emplace_back(key, at);
     return at;
   }
   // Whether this memo's answers are kept by the standing memo: it holds a piece of its text.
-  bool KeptByStanding() const { return answers_ != &found_; }
+  bool KeptByStanding() const { return piece_; }
 
   using Answers = std::vector<std::pair<std::string_view, const char*>>;
-  // Where the answers about a piece of the standing memo's text are kept, so that every walk
-  // over the text until the memo goes finds them: its pieces are the same each time.
-  static Answers* StandingPieceAnswers(const char* text, size_t length);
+  // Where the memo's answers are kept: about a piece of the standing memo's text, by the
+  // standing memo, so that every walk over the text until that memo goes finds them (its pieces
+  // are the same each time); else by the memo itself.
+  Answers& AnswerStore();
 
   const char* text_;
   size_t length_ = static_cast<size_t>(-1);  // not measured yet
   Answers found_;
-  Answers* answers_ = &found_;
+  bool piece_ = false;                                   // see KeptByStanding
   std::map<std::pair<size_t, size_t>, Answers> pieces_;  // the standing memo's, by place
   std::map<std::tuple<size_t, size_t, std::string>, KeptWalk> walks_;  // the standing memo's
-  std::set<std::string> words_;  // the words of FindWord answers kept here
+  std::set<std::string> words_;  // the words of ContainsWord answers kept here
+  std::optional<PartWordIndex> index_;
+  bool indexTried_ = false;
   TextMemo* outer_ = nullptr;
   TextMemo* standing_ = nullptr;  // the standing memo this one hands its questions on to
   bool stands_ = false;
+};
+
+// A memo for a text that no memo holds yet, while a reader asks it about several part words:
+// one pass over it then answers them all.
+class HeldText {
+ public:
+  explicit HeldText(const char* text) {
+    if (text != nullptr && !TextMemo::Holds(text)) memo_.emplace(text);
+  }
+
+ private:
+  std::optional<TextMemo> memo_;
 };
 
 }  // namespace mailslice::mime

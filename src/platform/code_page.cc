@@ -346,7 +346,15 @@ size_t Utf8ThroughAnsiPage(std::string_view utf8, bool untilFailure, char* page,
                         kExactConversions);
 }
 
-std::u16string AnsiToWide(std::string_view bytes) { return MultiByteToWide(kAnsiCodePage, bytes); }
+const AnsiReader& DeviceAnsiReader() {
+  // Short texts (field values, parameters) are widened by the thousand: the reader of the
+  // device code page is kept for as long as the page stays the same.
+  thread_local std::optional<AnsiReader> reader;
+  if (!reader || reader->name() != IconvName(kAnsiCodePage)) reader.emplace();
+  return *reader;
+}
+
+std::u16string AnsiToWide(std::string_view bytes) { return DeviceAnsiReader().Widen(bytes); }
 
 std::string WideToAnsi(std::u16string_view text) { return WideToMultiByte(kAnsiCodePage, text); }
 

@@ -79,11 +79,18 @@ class AnsiReader {
   std::u16string Widen(std::string_view bytes) const;
   // Appends Widen(bytes) to `wide`.
   void AppendWidened(std::string_view bytes, std::u16string& wide) const;
+  // The iconv name of the code page it reads.
+  const std::string& name() const { return name_; }
+  // See FastWidener::WidensEachByteAlone.
+  bool WidensEachByteAlone() const { return fast_.WidensEachByteAlone(); }
 
  private:
   std::string name_;
   FastWidener fast_;
 };
+// The reader of the device code page as the settings name it now, kept by the thread while the
+// page stays the same; valid until the next call on the thread.
+const AnsiReader& DeviceAnsiReader();
 std::string WideToAnsi(std::u16string_view text);
 
 }  // namespace mailslice::platform

@@ -15,6 +15,12 @@
 #ifdef __SSE2__
 #include <emmintrin.h>
 #endif
+// The widening of single-byte pages also has a path for processors with AVX2, chosen at run
+// time (x86-64 with GCC or Clang).
+#if defined(__x86_64__) && (defined(__GNUC__) || defined(__clang__))
+#define MAILSLICE_PLATFORM_AVX2 1
+#include <immintrin.h>
+#endif
 
 namespace mailslice::platform {
 namespace {
@@ -35,6 +41,8 @@ constexpr uint16_t kByteMask = 0xFF;
 // one plain unit).
 constexpr char16_t kLookCloser = 0xFFFF;
 constexpr size_t kUnitsPerBlock = 8;
+// The units widened into a buffer on the stack before they are appended.
+constexpr size_t kPieceUnits = 512;
 // UTF-8 writes the units below this one in two bytes (or one).
 constexpr char16_t kFirstThreeByteUnit = 0x800;
 constexpr size_t kTwoBytes = 2;
@@ -47,7 +55,8 @@ bool IsSurrogate(char32_t unit) { return unit >= 0xD800 && unit <= 0xDFFF; }
 // `size` units allows, and only its ASCII start counts.
 // With `kStopAtNul`, a NUL byte ends the run too.
 template <bool kStopAtNul = false>
-size_t WidenAscii(const unsigned char* in, size_t size, char16_t* out) {
+[[gnu::always_inline]] inline size_t WidenAscii(const unsigned char* in, size_t size,
+                                                char16_t* out) {
   size_t done = 0;
 #ifdef __SSE2__
   const __m128i zero = _mm_setzero_si128();
@@ -132,7 +141,8 @@ unsigned OtherThanAsciiBits(const char16_t* units) {
 
 // Decodes one well-formed UTF-8 character of two or three bytes at `in` (of `left` bytes)
 // into `out`; returns its length, or 0 when it is not one.
-size_t DecodeMultiByte(const unsigned char* in, size_t left, char16_t* out) {
+[[gnu::always_inline]] inline size_t DecodeMultiByte(const unsigned char* in, size_t left,
+                                                     char16_t* out) {
   unsigned char lead = in[0];
   if (lead >= 0xC2 && lead <= 0xDF && left >= 2 && IsContinuation(in[1])) {
     *out = static_cast<char16_t>((lead & 0x1F) << 6 | (in[1] & 0x3F));
@@ -197,6 +207,73 @@ size_t Utf8Prefix(std::string_view bytes, std::u16string& wide) {
       [&](const char16_t* units, size_t count) { wide.append(units, count); });
 }
 
+// Writes UTF-16 as UTF-8 up to the first unpaired surrogate, which iconv is left to refuse;
+// returns the units taken.
+size_t Utf8Written(std::u16string_view text, std::string& narrow) {
+  constexpr size_t kMostBytesPerUnit = 3;  // a pair of units takes four
+  size_t start = narrow.size();
+  narrow.resize(start + text.size() * kMostBytesPerUnit);
+  auto* out = reinterpret_cast<unsigned char*>(narrow.data() + start);
+  size_t at = 0, written = 0;
+  while (at < text.size()) {
+    size_t ascii =
+        NarrowAscii(text.data() + at, text.size() - at, reinterpret_cast<char*>(out + written));
+    at += ascii;
+    written += ascii;
+    if (at == text.size()) break;
+    char32_t unit = text[at];
+    if (unit < kFirstThreeByteUnit) {
+      out[written++] = static_cast<unsigned char>(0xC0 | unit >> 6);
+    } else if (!IsSurrogate(unit)) {
+      out[written++] = static_cast<unsigned char>(0xE0 | unit >> 12);
+      out[written++] = static_cast<unsigned char>(0x80 | (unit >> 6 & 0x3F));
+    } else if (unit < 0xDC00 && at + 1 < text.size() && text[at + 1] >= 0xDC00 &&
+               text[at + 1] <= 0xDFFF) {
+      char32_t character = 0x10000 + ((unit - 0xD800) << 10 | (text[at + 1] - 0xDC00));
+      out[written++] = static_cast<unsigned char>(0xF0 | character >> 18);
+      out[written++] = static_cast<unsigned char>(0x80 | (character >> 12 & 0x3F));
+      out[written++] = static_cast<unsigned char>(0x80 | (character >> 6 & 0x3F));
+      unit = character;
+      ++at;
+    } else {
+      break;
+    }
+    out[written++] = static_cast<unsigned char>(0x80 | (unit & 0x3F));
+    ++at;
+  }
+  narrow.resize(start + written);
+  return at;
+}
+
+#ifdef MAILSLICE_PLATFORM_AVX2
+bool HaveAvx2() {
+  static const bool have = __builtin_cpu_supports("avx2");
+  return have;
+}
+
+// Widens the bytes of `in` thirty-two at a time as ASCII, then those beyond ASCII among them
+// from `wide`; returns how many it took (whole blocks only).
+__attribute__((target("avx2"))) size_t WidenBlocksAvx2(const unsigned char* in, size_t size,
+                                                       char16_t* out,
+                                                       const std::array<char16_t, 256>& wide) {
+  constexpr size_t kWideBlockBytes = 32;
+  size_t at = 0;
+  for (; size - at >= kWideBlockBytes; at += kWideBlockBytes) {
+    __m256i block = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(in + at));
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + at),
+                        _mm256_cvtepu8_epi16(_mm256_castsi256_si128(block)));
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + at + kWideBlockBytes / 2),
+                        _mm256_cvtepu8_epi16(_mm256_extracti128_si256(block, 1)));
+    for (auto high = static_cast<unsigned>(_mm256_movemask_epi8(block)); high != 0;
+         high &= high - 1) {
+      size_t place = at + static_cast<size_t>(std::countr_zero(high));
+      out[place] = wide[in[place]];
+    }
+  }
+  return at;
+}
+#endif
+
 }  // namespace
 
 // What iconv makes of each character of one single-byte code page, asked once per byte and
@@ -214,15 +291,65 @@ class SingleBytePage {
       asciiBothWays_ = asciiBothWays_ && single_[ascii] && wide_[ascii] == ascii &&
                        (narrow_[ascii] = Ask(ascii)) == ascii;
     }
+    eachByteAlone_ = asciiBothWays_;
+    for (unsigned byte = 0x80; byte < 256; ++byte) {
+      eachByteAlone_ = eachByteAlone_ && single_[byte] && wide_[byte] >= 0x80;
+    }
+  }
+
+  // Whether every byte widens to one unit of its own, ASCII to itself and no other byte to
+  // ASCII: a text then widens as its pieces do one by one.
+  bool EachByteAlone() const { return eachByteAlone_; }
+
+  // Widens `size` bytes of a page where each byte widens alone: sixteen at a time as ASCII,
+  // then the bytes beyond ASCII among them from the table.
+  void EachByteToWide(const unsigned char* in, size_t size, char16_t* out) const {
+    size_t at = 0;
+#ifdef MAILSLICE_PLATFORM_AVX2
+    if (HaveAvx2()) at = WidenBlocksAvx2(in, size, out, wide_);
+#endif
+#ifdef __SSE2__
+    const __m128i zero = _mm_setzero_si128();
+    for (; size - at >= kBlockBytes; at += kBlockBytes) {
+      __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + at));
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(out + at), _mm_unpacklo_epi8(block, zero));
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(out + at + kBlockBytes / 2),
+                       _mm_unpackhi_epi8(block, zero));
+      for (auto high = static_cast<unsigned>(_mm_movemask_epi8(block)); high != 0;
+           high &= high - 1) {
+        size_t place = at + static_cast<size_t>(std::countr_zero(high));
+        out[place] = wide_[in[place]];
+      }
+    }
+#endif
+    for (; at < size; ++at) out[at] = wide_[in[at]];
   }
 
   const std::string& Name() const { return name_; }
 
   size_t ToWide(std::string_view bytes, std::u16string& wide) const {
+    const auto* in = reinterpret_cast<const unsigned char*>(bytes.data());
+    if (eachByteAlone_ && bytes.size() <= kPieceUnits) {
+      size_t start = wide.size();
+      wide.resize(start + bytes.size());
+      EachByteToWide(in, bytes.size(), wide.data() + start);
+      return bytes.size();
+    }
+    if (eachByteAlone_) {
+      // A piece at a time through a small buffer: growing the string by the whole text would
+      // clear its room before it is written.
+      wide.reserve(wide.size() + bytes.size());
+      char16_t piece[kPieceUnits];
+      for (size_t at = 0; at < bytes.size(); at += kPieceUnits) {
+        size_t count = std::min(kPieceUnits, bytes.size() - at);
+        EachByteToWide(in + at, count, piece);
+        wide.append(piece, count);
+      }
+      return bytes.size();
+    }
     size_t start = wide.size();
     wide.resize(start + bytes.size());
     char16_t* out = wide.data() + start;
-    const auto* in = reinterpret_cast<const unsigned char*>(bytes.data());
     size_t at = 0;
     while (at < bytes.size()) {
       if (asciiBothWays_) at += WidenAscii(in + at, bytes.size() - at, out + at);
@@ -354,6 +481,7 @@ class SingleBytePage {
   std::array<bool, 256> single_{};
   // ASCII reads and writes as itself, so runs of it are copied without the tables.
   bool asciiBothWays_ = true;
+  bool eachByteAlone_ = false;
   std::vector<uint16_t> narrow_ = std::vector<uint16_t>(0x10000, kNotAsked);
   // What each unit shows as once narrowed and widened back (without and with stopping at the
   // first unit the page cannot hold), filled as units are met.
@@ -417,6 +545,8 @@ FastWidener::FastWidener(const std::string& iconvName, const ExactConversions& e
     : utf8_(iconvName == kUtf8Name),
       page_(IsSingleBytePage(iconvName) ? &PageFor(iconvName, exact) : nullptr) {}
 
+bool FastWidener::WidensEachByteAlone() const { return page_ != nullptr && page_->EachByteAlone(); }
+
 size_t FastWidener::Append(std::string_view bytes, std::u16string& wide) const {
   if (utf8_) return Utf8Prefix(bytes, wide);
   return page_ != nullptr ? page_->ToWide(bytes, wide) : 0;
@@ -424,6 +554,7 @@ size_t FastWidener::Append(std::string_view bytes, std::u16string& wide) const {
 
 size_t FastPrefixToNarrow(const std::string& iconvName, std::u16string_view text,
                           std::string& narrow, const ExactConversions& exact, bool untilFailure) {
+  if (iconvName == kUtf8Name) return Utf8Written(text, narrow);
   if (!IsSingleBytePage(iconvName)) return 0;
   return PageFor(iconvName, exact).ToNarrow(text, narrow, untilFailure);
 }

@@ -34,6 +34,9 @@ class FastWidener {
  public:
   FastWidener(const std::string& iconvName, const ExactConversions& exact);
   size_t Append(std::string_view bytes, std::u16string& wide) const;
+  // Whether each byte widens to one unit of its own, ASCII to itself and no other byte to
+  // ASCII (a single-byte page): a text then widens as its pieces do one by one.
+  bool WidensEachByteAlone() const;
 
  private:
   bool utf8_;
@@ -42,7 +45,8 @@ class FastWidener {
 
 // Appends to `narrow` the conversion of the longest start of `text` that the fast path
 // converts exactly (a character the code page cannot hold becomes what iconv makes of it, or,
-// with `untilFailure`, ends the prefix); returns the number of units taken.
+// with `untilFailure`, ends the prefix); returns the number of units taken. UTF-8 is written
+// up to the first unpaired surrogate.
 size_t FastPrefixToNarrow(const std::string& iconvName, std::u16string_view text,
                           std::string& narrow, const ExactConversions& exact,
                           bool untilFailure = false);

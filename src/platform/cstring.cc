@@ -75,8 +75,7 @@ bool CString::operator==(const char* other) const {
 int CString::Compare(const CString& other) const { return Sign(text_.compare(other.text_)); }
 
 int CString::CompareNoCase(const CString& other) const {
-  CString left(*this), right(other);
-  return left.MakeLower().Compare(right.MakeLower());
+  return mailslice::platform::CompareNoCase(text_, other.text_);
 }
 
 CString& CString::operator+=(const CString& other) {

@@ -24,15 +24,24 @@ std::array<String, kKeptOfEachKind>& Kept() {
   return kept;
 }
 
+// A kept buffer with room for `size` and not too much more (or no more than `roomy`), as it is;
+// else an empty one.
 template <typename String>
-String Take(size_t size) {
+String Kept(size_t size, size_t roomy = 0) {
   String taken;
   for (String& kept : Kept<String>()) {
-    if (kept.capacity() >= size && kept.capacity() / kMostRoomPerSize <= size) {
+    if (kept.capacity() >= size &&
+        (kept.capacity() / kMostRoomPerSize <= size || kept.capacity() <= roomy)) {
       taken.swap(kept);
       break;
     }
   }
+  return taken;
+}
+
+template <typename String>
+String Take(size_t size) {
+  String taken = Kept<String>(size);
   taken.clear();
   ReserveLarge(taken, size);
   return taken;
@@ -53,6 +62,16 @@ void Keep(String buffer) {
 }  // namespace
 
 std::string TakeSpareBytes(size_t size) { return Take<std::string>(size); }
+
+std::string TakeSpareRoom(size_t size) {
+  // The room goes back to the kept buffers after use, so a small text may take one of a few
+  // ten kilobytes.
+  constexpr size_t kRoomyBytes = size_t{64} << 10;
+  std::string taken = Kept<std::string>(size, kRoomyBytes);
+  ReserveLarge(taken, size);
+  taken.resize(size);
+  return taken;
+}
 
 std::u16string TakeSpareWide(size_t size) { return Take<std::u16string>(size); }
 

@@ -15,6 +15,12 @@ namespace mailslice::platform {
 std::string TakeSpareBytes(size_t size);
 std::u16string TakeSpareWide(size_t size);
 
+// A string of `size` characters that the caller writes before it reads them, and keeps again
+// after use: a kept one (as TakeSpareBytes chooses it, or any of up to 64 KB) holds what it
+// held, as clearing a large buffer costs as much as writing it; only characters beyond what it
+// held are cleared.
+std::string TakeSpareRoom(size_t size);
+
 // Keeps `buffer` for a later Take, in place of the kept one of its kind with the least room,
 // when it has more room than that one, up to a limit: the buffers of a rare body of many
 // megabytes go back to the host. Two of each kind are kept.

@@ -27,6 +27,16 @@ inline TrimmedRange Untrimmed(std::u16string_view text) {
   return {begin, end};
 }
 
+// The same for 8-bit text, whose white space is the same ASCII bytes.
+inline TrimmedRange Untrimmed(std::string_view text) {
+  auto space = [](char ch) { return IsTrimmedSpace(static_cast<unsigned char>(ch)); };
+  size_t end = text.size();
+  while (end > 0 && space(text[end - 1])) --end;
+  size_t begin = 0;
+  while (begin < end && space(text[begin])) ++begin;
+  return {begin, end};
+}
+
 // Cuts `text` down to `kept`, in place.
 template <typename Text>
 void KeepOnly(Text& text, TrimmedRange kept) {

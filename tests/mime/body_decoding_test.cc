@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <random>
+#include <string>
 
 #include "codec/japanese_converter.h"
 #include "platform/code_page.h"
@@ -69,6 +71,34 @@ TEST(BodyDecodingTest, Utf8BodiesReadAsTheConverterNarrowsThem) {
       std::free(narrowed);
       EXPECT_EQ(ConvertBodyCharset(text, u"utf-8"), expected) << language << " " << text;
     }
+  }
+}
+
+// A body read where it lies in its part decodes as its NUL-terminated copy does, whatever
+// follows it: escapes and groups cut at its end, soft line breaks, stray bytes.
+TEST(BodyDecodingTest, ABodyInsideItsPartReadsAsItsCopy) {
+  ScopedEnv language("MAILSLICE_LANGUAGE", "1");
+  const char* const pieces[] = {"=",   "=\r", "=\r\n", "=A",   "=A\r", "=C3=A9", "=3D",
+                                "=\n", "\r",  "\n",    "\r\n", "a",    "Zm9v",   "YQ",
+                                "==",  "_",   "\xC3",  "\xA9", "<b>",  "&amp;",  " "};
+  const char16_t* const encodings[] = {u"quoted-printable", u"base64", u"8bit", u"x-unknown"};
+  const char16_t* const charsets[] = {u"utf-8", u"iso-8859-1", u"iso-2022-jp"};
+  std::mt19937 random(99);
+  for (int round = 0; round < 3000; ++round) {
+    std::string part;
+    for (size_t count = random() % 12; count > 0; --count) part += pieces[random() % 21];
+    size_t length = part.empty() ? 0 : random() % (part.size() + 1);
+    std::string copy = part.substr(0, length);
+    const char16_t* encoding = encodings[random() % 4];
+    const char16_t* charset = charsets[random() % 3];
+    bool html = round % 2 == 0;
+    std::string copyPage, inPlacePage;
+    std::u16string fromCopy =
+        DecodeBodyWide(copy.c_str(), charset, encoding, html ? &copyPage : nullptr);
+    std::u16string inPlace = DecodeBodyWide(std::string_view(part).substr(0, length), charset,
+                                            encoding, html ? &inPlacePage : nullptr);
+    ASSERT_EQ(inPlace, fromCopy) << part << " cut at " << length;
+    ASSERT_EQ(inPlacePage, copyPage) << part << " cut at " << length;
   }
 }
 

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <random>
 #include <string>
 
 #include "support/test_support.h"
@@ -135,6 +136,44 @@ TEST(BodyExtractionTest, HtmlBodiesReadTheSameWhetherTheirSourceIsSavedOrNot) {
       ASSERT_TRUE(file.has_value());
       EXPECT_NE(file->find("Caf"), std::string::npos) << page;
     }
+  }
+}
+
+// Plain parts that an HTML alternative replaces are not read; with the HTML source saved every
+// part is read. Both give the same text for messages of every shape: the alternative flag, parts
+// whose two content-type readings differ, nested and embedded multiparts, Apple Mail's way.
+TEST(BodyExtractionTest, UnreadPlainPartsChangeNothing) {
+  testing::ScratchFolder scratch;
+  testing::ScopedEnv temp("MAILSLICE_TEMP", scratch.path().string());
+  const std::string parts[] = {
+      "Content-Type: text/plain\r\n\r\nplain",
+      "Content-Type: text/html\r\n\r\n" + kHtml,
+      "Content-Type: text/plain\r\nMime-Version: 1.0\r\nContent-Type: text/html\r\n\r\n" + kHtml,
+      "Content-Type: text/html\r\nMIME-Version: 1.0\r\nContent-Type: text/plain\r\n\r\nhi",
+      "Content-Type: application/pdf\r\n\r\n%PDF",
+      "Content-Type: image/gif\r\n\r\nGIF89a",
+      "Content-Type: text/plain\r\nContent-Disposition: attachment; filename=a.txt\r\n\r\nx",
+      "Content-Type: multipart/alternative; boundary=\"I\"\r\n\r\n--I\r\n"
+      "Content-Type: text/plain\r\n\r\ninner\r\n--I\r\nContent-Type: text/html\r\n\r\n"
+      "<body>inner html</body>\r\n--I--",
+      "Content-Type: message/rfc822\r\n\r\nContent-Type: text/plain\r\n\r\nforwarded",
+      "Content-Type: text/plain\r\n\r\n  ",
+  };
+  std::mt19937 random(31);
+  for (int round = 0; round < 400; ++round) {
+    std::string boundary = round % 3 == 0 ? "Apple-Mail=_7" : "B";
+    std::string body;
+    for (size_t count = 1 + random() % 5; count > 0; --count) {
+      body += "--" + boundary + "\r\n" + parts[random() % std::size(parts)] + "\r\n";
+    }
+    std::string message =
+        Mixed(boundary, body, round % 2 == 0 ? "multipart/alternative" : "multipart/mixed");
+    int alternative = -1, savedAlternative = -2;
+    CString read = Read(message, &alternative);
+    CString saved = GetReadingBody(WalkedText(message.c_str()), &savedAlternative,
+                                   HtmlArguments{u"saved.html", 1, 0, 0});
+    ASSERT_EQ(read, saved) << message;
+    ASSERT_EQ(alternative, savedAlternative) << message;
   }
 }
 

@@ -1,5 +1,6 @@
 // The fast conversions against iconv alone, on every short sequence where they could differ.
 #include <gtest/gtest.h>
+#include <mailslice/cstring.h>
 
 #include <random>
 #include <string>
@@ -68,6 +69,30 @@ TEST(CodePageFastTest, RandomTextsConvertAsThroughIconv) {
   }
 }
 
+// UTF-16 written as UTF-8: every character of the plane, pairs, unpaired surrogates at every
+// place and NUL, as iconv writes them.
+TEST(CodePageFastTest, Utf8WritesAsIconvDoes) {
+  std::u16string all;
+  for (unsigned unit = 1; unit < 0x10000; ++unit) {
+    if (unit < 0xD800 || unit > 0xDFFF) all += static_cast<char16_t>(unit);
+  }
+  ASSERT_EQ(WideToMultiByte(kUtf8CodePage, all), WideToMultiByteThroughIconv(kUtf8CodePage, all));
+  const std::u16string pieces[] = {u"plain text ", u"\u00E9",       u"\u20AC",    u"\U0001F600",
+                                   Unit(0xD83D),   Unit(0xDE00),    Unit(0xDBFF), Unit(0xDC00),
+                                   Unit(0),        u"\u07FF\u0800", u"\uFFFF"};
+  std::mt19937 random(8);
+  for (int round = 0; round < 2000; ++round) {
+    std::u16string text;
+    for (size_t count = random() % 12; count > 0; --count) {
+      text += pieces[random() % std::size(pieces)];
+    }
+    ASSERT_EQ(WideToMultiByte(kUtf8CodePage, text),
+              WideToMultiByteThroughIconv(kUtf8CodePage, text))
+        << round;
+    ASSERT_EQ(CString(text).ToUtf8(), WideToMultiByteThroughIconv(kUtf8CodePage, text)) << round;
+  }
+}
+
 // Each byte and each wide character of the device pages, alone and inside text, including
 // bytes the page leaves undefined, characters it cannot hold and unpaired surrogates.
 TEST(CodePageFastTest, SingleBytePagesConvertEveryCharacterAsIconvDoes) {
@@ -80,6 +105,10 @@ TEST(CodePageFastTest, SingleBytePagesConvertEveryCharacterAsIconvDoes) {
       all += static_cast<char>(byte);
     }
     ASSERT_EQ(AnsiToWide(all), MultiByteToWideThroughIconv(kAnsiCodePage, all)) << page;
+    // A text of several of the pieces the widening goes through, at every offset.
+    std::string longText;
+    for (int copy = 0; copy < 9; ++copy) longText += all.substr(copy) + all.substr(0, copy);
+    ASSERT_EQ(AnsiToWide(longText), MultiByteToWideThroughIconv(kAnsiCodePage, longText)) << page;
     for (unsigned unit = 1; unit < 0x10000; ++unit) {
       std::u16string text = u"x" + Unit(unit) + u"y";
       ASSERT_EQ(WideToAnsi(text), WideToMultiByteThroughIconv(kAnsiCodePage, text))

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <mailslice/cstring.h>
 
+#include <random>
 #include <stdexcept>
 
 #include "support/test_support.h"
@@ -25,6 +26,22 @@ TEST(CStringTest, CaseMappingFoldsAsciiAndLatin1Letters) {
   EXPECT_EQ(CString(u"ÉTÉ").CompareNoCase(CString(u"été")), 0);
   EXPECT_LT(CString(u"abc").CompareNoCase(CString(u"ABD")), 0);
   EXPECT_NE(CString(u"Ω").CompareNoCase(CString(u"ω")), 0);  // Greek is not folded
+}
+
+// The comparison ignoring case orders as comparing the two texts lowered, also where one text
+// starts the other and where letters of both cases meet letters that are not folded.
+TEST(CStringTest, CompareNoCaseOrdersAsTheLoweredTexts) {
+  const char16_t units[] = {u'a', u'B', u'b', u'Z', u'[', u'`', 0xC0, 0xE0, 0xD7, 0xF7, 0xDF, u'Ω'};
+  std::mt19937 random(12);
+  for (int round = 0; round < 5000; ++round) {
+    std::u16string left, right;
+    for (size_t count = random() % 4; count > 0; --count) left += units[random() % 12];
+    for (size_t count = random() % 4; count > 0; --count) right += units[random() % 12];
+    CString lowerLeft(left), lowerRight(right);
+    lowerLeft.MakeLower();
+    lowerRight.MakeLower();
+    ASSERT_EQ(CString(left).CompareNoCase(CString(right)), lowerLeft.Compare(lowerRight));
+  }
 }
 
 TEST(CStringTest, ExtractionAndSearchClampOutOfRangeArguments) {

@@ -32,6 +32,28 @@ TEST(SpareBuffersTest, HandsTheKeptBufferOnlyToTextsItSuits) {
   });
 }
 
+// Room to be written is handed over as the kept buffer held it: its size, never its content,
+// is what the caller asked for.
+TEST(SpareBuffersTest, HandsRoomOverWithoutClearingIt) {
+  OnFreshThread([] {
+    std::string kept(800, 'k');
+    const char* room = kept.data();
+    KeepSpare(std::move(kept));
+    std::string taken = TakeSpareRoom(600);
+    EXPECT_EQ(taken.data(), room);
+    EXPECT_EQ(taken.size(), 600u);
+    std::string fresh = TakeSpareRoom(50);
+    EXPECT_EQ(fresh, std::string(50, '\0'));
+    // Room to be written and kept again may be much larger than asked for, up to 64 KB.
+    std::string roomy;
+    roomy.reserve(60 << 10);
+    const char* roomyData = roomy.data();
+    KeepSpare(std::move(roomy));
+    EXPECT_NE(TakeSpareBytes(100).data(), roomyData);
+    EXPECT_EQ(TakeSpareRoom(100).data(), roomyData);
+  });
+}
+
 // Two buffers of each kind are kept (a body's decoded bytes and its page are in use together):
 // the two with the most room, none over the limit.
 TEST(SpareBuffersTest, KeepsTheTwoLargestBuffersUpToTheLimit) {

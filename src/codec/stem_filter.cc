@@ -1,0 +1,93 @@
+#include "codec/stem_filter.h"
+
+#include "codec/avx2.h"
+
+namespace mailslice::codec {
+namespace {
+
+using Candidate = StemFilter::Candidate;
+constexpr size_t kPrefixBytes = StemFilter::kPrefixBytes;
+
+#ifdef MAILSLICE_AVX2_PATHS
+constexpr size_t kBlock = 32;
+
+// Thirty-two places at a time: the second and third bytes of each place are looked up by their
+// two halves in the tables of their places, and the places where some stem's bit survives both
+// are looked at one by one, with the first byte's table. Stops before a block whose candidates
+// might not fit in `room`, or before the last places, whose loads would read past the text.
+__attribute__((target("avx2"))) size_t CandidatesAvx2(std::string_view text, size_t& from,
+                                                      const StemFilter::Tables& tables,
+                                                      Candidate* out, size_t room) {
+  const __m256i halfMask = _mm256_set1_epi8(0x0F);
+  const __m256i zero = _mm256_setzero_si256();
+  __m256i byLow[kPrefixBytes], byHigh[kPrefixBytes];
+  for (size_t k = 0; k < kPrefixBytes; ++k) {
+    byLow[k] = _mm256_broadcastsi128_si256(
+        _mm_loadu_si128(reinterpret_cast<const __m128i*>(tables.byLowHalf[k].data())));
+    byHigh[k] = _mm256_broadcastsi128_si256(
+        _mm_loadu_si128(reinterpret_cast<const __m128i*>(tables.byHighHalf[k].data())));
+  }
+  size_t at = from, count = 0;
+  for (; at + kBlock + kPrefixBytes - 1 <= text.size() && count + kBlock <= room; at += kBlock) {
+    __m256i stems = _mm256_set1_epi8(-1);
+    for (size_t k = 1; k < kPrefixBytes; ++k) {
+      __m256i bytes = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(text.data() + at + k));
+      __m256i low = _mm256_and_si256(bytes, halfMask);
+      __m256i high = _mm256_and_si256(_mm256_srli_epi16(bytes, 4), halfMask);
+      stems = _mm256_and_si256(stems, _mm256_and_si256(_mm256_shuffle_epi8(byLow[k], low),
+                                                       _mm256_shuffle_epi8(byHigh[k], high)));
+    }
+    auto places = ~static_cast<unsigned>(_mm256_movemask_epi8(_mm256_cmpeq_epi8(stems, zero)));
+    if (places == 0) continue;
+    alignas(kBlock) uint8_t bits[kBlock];
+    _mm256_store_si256(reinterpret_cast<__m256i*>(bits), stems);
+    for (; places != 0; places &= places - 1) {
+      size_t place = at + static_cast<size_t>(__builtin_ctz(places));
+      unsigned bitsHere = bits[place - at] & tables.byByte[0][static_cast<uint8_t>(text[place])];
+      if (bitsHere != 0) out[count++] = {place, bitsHere};
+    }
+  }
+  from = at;
+  return count;
+}
+#endif
+
+}  // namespace
+
+StemFilter::StemFilter(std::initializer_list<std::string_view> stems) {
+  size_t index = 0;
+  for (std::string_view stem : stems) {
+    stems_[index] = stem;
+    for (size_t k = 0; k < kPrefixBytes; ++k) {
+      auto byte = static_cast<unsigned char>(stem[k]);
+      auto bit = static_cast<uint8_t>(1u << index);
+      tables_.byByte[k][byte] |= bit;
+      tables_.byLowHalf[k][byte & 0x0F] |= bit;
+      tables_.byHighHalf[k][byte >> 4] |= bit;
+    }
+    ++index;
+  }
+}
+
+size_t StemFilter::Candidates(std::string_view text, size_t& from, Candidate* out) const {
+  size_t count = 0;
+#ifdef MAILSLICE_AVX2_PATHS
+  if (HaveAvx2()) {
+    count = CandidatesAvx2(text, from, tables_, out, kBatch);
+    if (from + kBlock + kPrefixBytes - 1 <= text.size()) return count;  // the batch is full
+  }
+#endif
+  // The last places (or, without AVX2, all of them) a byte at a time.
+  const auto* bytes = reinterpret_cast<const unsigned char*>(text.data());
+  size_t end = text.size() >= kPrefixBytes ? text.size() - kPrefixBytes + 1 : 0;
+  size_t at = from;
+  for (; at < end && count < kBatch; ++at) {
+    unsigned stems = tables_.byByte[0][bytes[at]] & tables_.byByte[1][bytes[at + 1]] &
+                     tables_.byByte[2][bytes[at + 2]];
+    if (stems != 0) out[count++] = {at, stems};
+  }
+  from = at < end ? at : text.size();
+  return count;
+}
+
+}  // namespace mailslice::codec
