@@ -20,24 +20,27 @@ StagedFile::StagedFile() {
   bool movable = false;
   path_ = TempFilePath(movable);
   if (path_.empty()) return;
-  // In a folder no other user can enter, the file is private however it is made: it gets the
-  // ordinary mode of a new file, so that it can become the saved file as it is.
-  auto create = [&](ErrorCode* error) {
-    return movable ? Files().CreateNewOrdinary(path_, error) : Files().CreateNew(path_, error);
-  };
   ErrorCode error = platform::kErrorSuccess;
-  file_ = create(&error);
+  // In a folder no other user can enter, the file is private however it is made: it gets the
+  // ordinary mode of a new file, so that it can become the saved file as it is. It needs no
+  // name there (the path is freed first all the same), so nothing can be left behind.
+  if (movable) {
+    file_ = Files().CreateUnnamed(path_, &error);
+    unnamed_ = file_ != nullptr && file_->Unnamed();
+    return;
+  }
+  file_ = Files().CreateNew(path_, &error);
   // Usually the path is free; only something left there (or planted) has to go first.
   if (file_ == nullptr && error == platform::kErrorFileExists) {
     Files().Remove(path_);
-    file_ = create(&error);
+    file_ = Files().CreateNew(path_, &error);
   }
 }
 
 StagedFile::~StagedFile() {
   if (file_ == nullptr) return;
   file_.reset();
-  if (!moved_) Files().Remove(path_);
+  if (!moved_ && !unnamed_) Files().Remove(path_);
 }
 
 ErrorCode StagedFile::Write(std::string_view bytes) {

@@ -38,6 +38,7 @@ class StagedFile {
   std::string path_;
   std::unique_ptr<platform::File> file_;  // kept, closed, after CopyTo
   bool moved_ = false;                    // CopyTo moved the file: its path is free
+  bool unnamed_ = false;                  // the file never had the path
 };
 
 }  // namespace mailslice::attach

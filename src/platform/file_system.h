@@ -33,6 +33,8 @@ class File {
  public:
   virtual ~File() = default;
   virtual std::optional<uint64_t> Size() = 0;
+  // Whether the file has no name in any folder yet (see FileSystem::CreateUnnamed).
+  virtual bool Unnamed() const { return false; }
   // The open file's status (its times, size and identity); none where the host cannot tell.
   virtual std::optional<FileStatus> Status() { return std::nullopt; }
   // Reads until `size` bytes or the end of the file; `*got` is the number read.
@@ -56,6 +58,18 @@ class FileSystem {
   virtual std::unique_ptr<File> CreateNewOrdinary(const std::string& path, ErrorCode* error) {
     return CreateNew(path, error);
   }
+  // As CreateNewOrdinary, but where the host can, the file gets no name in the folder of
+  // `path` (nobody else can open it, and it is gone by itself when closed unless CloseAndCopy
+  // names it): whatever is at `path` is deleted first, and a path that cannot be freed fails
+  // the call. Elsewhere the file is made at `path` as CreateNewOrdinary makes it.
+  virtual std::unique_ptr<File> CreateUnnamed(const std::string& path, ErrorCode* error) {
+    if (ErrorCode removed = Remove(path);
+        removed != kErrorSuccess && removed != kErrorFileNotFound) {
+      *error = removed;
+      return nullptr;
+    }
+    return CreateNewOrdinary(path, error);
+  }
   // Copies `from` to `to`, replacing `to`; the destination changes only once the copy is
   // complete, so a failed copy leaves no partial file under the destination name.
   virtual ErrorCode Copy(const std::string& from, const std::string& to) = 0;
@@ -64,7 +78,8 @@ class FileSystem {
   // error is the answer. The host copies from the open file instead of opening it again. A
   // file made by CreateNewOrdinary is moved to `to` instead where the result is the file a copy
   // would have made (same file system, same mode and group, nothing else attached to it):
-  // `sourcePath` is gone then, and `*moved` says so.
+  // `sourcePath` is gone then, and `*moved` says so. A file without a name is given the name
+  // `to` on the same terms.
   virtual ErrorCode CloseAndCopy(File& source, const std::string& sourcePath, const std::string& to,
                                  bool* moved) {
     *moved = false;

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <random>
 #include <utility>
 
@@ -80,8 +81,8 @@ FileStatus StatusOf(const struct statx& status) {
 
 class PosixFile final : public File {
  public:
-  explicit PosixFile(int descriptor, bool ordinary = false)
-      : descriptor_(descriptor), ordinary_(ordinary) {}
+  explicit PosixFile(int descriptor, bool ordinary = false, bool unnamed = false)
+      : descriptor_(descriptor), ordinary_(ordinary), unnamed_(unnamed) {}
   ~PosixFile() override { Close(); }
 
   std::optional<uint64_t> Size() override {
@@ -130,6 +131,7 @@ class PosixFile final : public File {
   int descriptor() const { return descriptor_; }
   // Created with the ordinary mode of a new file, in a folder no other user can enter.
   bool ordinary() const { return ordinary_; }
+  bool Unnamed() const override { return unnamed_; }
   // Bytes written through this object: the size of a file created new and only written since.
   uint64_t written() const { return written_; }
 
@@ -143,6 +145,7 @@ class PosixFile final : public File {
  private:
   int descriptor_;
   bool ordinary_;
+  bool unnamed_;
   uint64_t written_ = 0;
   std::optional<uint64_t> openedSize_;
 };
@@ -210,6 +213,19 @@ class LinuxFileSystem final : public FileSystem {
                  error, true);
   }
 
+  std::unique_ptr<File> CreateUnnamed(const std::string& path, ErrorCode* error) override {
+    // What is at the path goes first, as before every save; what cannot go fails the call.
+    if (unlink(path.c_str()) != 0 && errno != ENOENT) return Adopt(-1, error);
+    int descriptor = open(ContainingFolder(path).c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0666);
+    // A file system that cannot hold a file without a name gets a named one.
+    if (descriptor < 0 && (errno == EOPNOTSUPP || errno == EISDIR || errno == EINVAL)) {
+      return CreateNewOrdinary(path, error);
+    }
+    if (descriptor < 0) return Adopt(-1, error);
+    *error = kErrorSuccess;
+    return std::make_unique<PosixFile>(descriptor, true, true);
+  }
+
   ErrorCode Copy(const std::string& from, const std::string& to) override {
     ErrorCode error = kErrorSuccess;
     auto source = OpenFileForReading(from, &error);
@@ -227,6 +243,7 @@ class LinuxFileSystem final : public FileSystem {
     if (created == nullptr || created->descriptor() < 0) {
       return FileSystem::CloseAndCopy(source, sourcePath, to, moved);
     }
+    if (created->Unnamed()) return NameOrCopy(*created, to, moved);
     // A move creates no second file, which on a busy file system costs more than the copy.
     if (created->ordinary() && MovesAsCopied(created->descriptor(), to)) {
       if (ErrorCode closed = created->Close(); closed != kErrorSuccess) return closed;
@@ -238,15 +255,7 @@ class LinuxFileSystem final : public FileSystem {
       // the copy too, which answers as it always has.
       return Copy(sourcePath, to);
     }
-    std::string temporary;
-    ErrorCode copied = CopyToSibling(*created, created->written(), to, &temporary);
-    // A disk that fills up may say so only when the file is closed; that error comes first.
-    if (ErrorCode closed = created->Close(); closed != kErrorSuccess) {
-      if (copied == kErrorSuccess) unlink(temporary.c_str());
-      return closed;
-    }
-    if (copied != kErrorSuccess) return copied;
-    return MoveSibling(temporary, to);
+    return CloseAndCopyContent(*created, to);
   }
 
   ErrorCode Rename(const std::string& from, const std::string& to) override {
@@ -283,6 +292,65 @@ class LinuxFileSystem final : public FileSystem {
   }
 
  private:
+  // Copies the file, still open, beside `to`, closes it and puts the copy in `to`'s place.
+  ErrorCode CloseAndCopyContent(PosixFile& created, const std::string& to) {
+    std::string temporary;
+    ErrorCode copied = CopyToSibling(created, created.written(), to, &temporary);
+    // A disk that fills up may say so only when the file is closed; that error comes first.
+    if (ErrorCode closed = created.Close(); closed != kErrorSuccess) {
+      if (copied == kErrorSuccess) unlink(temporary.c_str());
+      return closed;
+    }
+    if (copied != kErrorSuccess) return copied;
+    return MoveSibling(temporary, to);
+  }
+
+  // Gives the file made by CreateUnnamed the name `to` where that gives the file a copy would
+  // (see MovesAsCopied), else copies it there; either way the file is closed after. An
+  // existing destination is replaced in one step: the file is named beside it first.
+  ErrorCode NameOrCopy(PosixFile& created, const std::string& to, bool* moved) {
+    if (!MovesAsCopied(created.descriptor(), to)) return CloseAndCopyContent(created, to);
+    int linked = LinkDescriptor(created.descriptor(), to);
+    if (linked == 0) {
+      *moved = true;
+      // Only a file system that reports write errors when the file is closed could fail
+      // here; the destination, new a moment ago, goes again then.
+      if (ErrorCode closed = created.Close(); closed != kErrorSuccess) {
+        unlink(to.c_str());
+        return closed;
+      }
+      return kErrorSuccess;
+    }
+    std::string sibling;
+    for (int attempt = 0; attempt < 8 && linked == EEXIST; ++attempt) {
+      sibling = SiblingTempName(to);
+      linked = LinkDescriptor(created.descriptor(), sibling);
+    }
+    // Another file system, or no way to name the file: it is copied.
+    if (linked != 0) return CloseAndCopyContent(created, to);
+    *moved = true;
+    if (ErrorCode closed = created.Close(); closed != kErrorSuccess) {
+      unlink(sibling.c_str());
+      return closed;
+    }
+    return MoveSibling(sibling, to);
+  }
+
+  // Links the open file without a name to `to`: by its descriptor where this process may, else
+  // through the descriptor's name under /proc. 0, or the errno of the failure.
+  static int LinkDescriptor(int descriptor, const std::string& to) {
+    static std::atomic<bool> byDescriptor{true};
+    if (byDescriptor.load(std::memory_order_relaxed)) {
+      if (linkat(descriptor, "", AT_FDCWD, to.c_str(), AT_EMPTY_PATH) == 0) return 0;
+      // Without the right to (CAP_DAC_READ_SEARCH) the call says ENOENT.
+      if (errno != ENOENT) return errno;
+    }
+    std::string name = "/proc/self/fd/" + std::to_string(descriptor);
+    if (linkat(AT_FDCWD, name.c_str(), AT_FDCWD, to.c_str(), AT_SYMLINK_FOLLOW) != 0) return errno;
+    byDescriptor.store(false, std::memory_order_relaxed);
+    return 0;
+  }
+
   static std::unique_ptr<PosixFile> Open(const std::string& path, int flags, mode_t mode,
                                          ErrorCode* error) {
     return Adopt(open(path.c_str(), flags, mode), error);
