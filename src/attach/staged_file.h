@@ -14,11 +14,11 @@ namespace mailslice::attach {
 // The temporary file's name in the private temporary folder (the device's "\temp\").
 inline constexpr char kTempFileName[] = "AttachTempfile~.txt";
 
-// Creates the file anew at the temporary path, deleting first whatever an earlier save left
-// there, readable by its owner only (by its mode, or by the folder it is in) and never through
-// a link someone else planted there. The file
-// is deleted again when the object goes, whatever happened in between, so no call leaves it behind.
-// Only one save may run at a time: they all share the one path.
+// Creates the file anew at the temporary path (or, where the host can, without a name in the
+// temporary folder), deleting first whatever an earlier save left there, readable by its owner
+// only (by its mode, or by the folder it is in) and never through a link someone else planted
+// there. The file is deleted again when the object goes, whatever happened in between, so no
+// call leaves it behind. Only one save may run at a time: they all share the one path.
 class StagedFile {
  public:
   StagedFile();
