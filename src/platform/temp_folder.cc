@@ -3,6 +3,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <chrono>
+#include <cstdint>
+
 #include "platform/device_settings.h"
 #include "platform/file_system.h"
 #include "platform/folder_acl.h"
@@ -11,6 +14,44 @@ namespace mailslice::platform {
 namespace {
 
 constexpr mode_t kGroupAndOtherBits = 077;
+
+// A change within a timestamp tick of a look at the folder could leave its change time as it
+// was; an answer about the folder is kept only when its last change is older than this.
+constexpr int64_t kSettledNanoseconds = int64_t{3} * 1'000'000'000;
+
+int64_t Nanoseconds(const struct timespec& time) {
+  return static_cast<int64_t>(time.tv_sec) * 1'000'000'000 + time.tv_nsec;
+}
+
+// Whether the folder gives its new files a default ACL. Every save asks it of the same folder,
+// which does not change meanwhile (the staged file has no name in it): the answer is kept
+// while the folder's identity and change time are as they were, since setting an ACL moves
+// the change time.
+bool FolderGivesDefaultAcl(const std::string& path, const struct stat& status) {
+  struct Kept {
+    std::string path;
+    dev_t device = 0;
+    ino_t inode = 0;
+    int64_t changeTime = 0;
+    bool acl = false;
+  };
+  thread_local Kept kept;
+  int64_t changeTime = Nanoseconds(status.st_ctim);
+  if (kept.path == path && kept.device == status.st_dev && kept.inode == status.st_ino &&
+      kept.changeTime == changeTime) {
+    return kept.acl;
+  }
+  auto now = std::chrono::duration_cast<std::chrono::nanoseconds>(
+                 std::chrono::system_clock::now().time_since_epoch())
+                 .count();
+  bool acl = GivesDefaultAcl(path);
+  if (now - changeTime > kSettledNanoseconds) {
+    kept = {path, status.st_dev, status.st_ino, changeTime, acl};
+  } else {
+    kept.path.clear();
+  }
+  return acl;
+}
 
 // True when `path` is a real folder (not a link) owned by this user; `tighten` takes away any
 // access of other users. `*movable`, when asked for, says whether its files may leave it as
@@ -25,7 +66,7 @@ bool IsOwnFolder(const std::string& path, bool tighten, bool* movable) {
     closed = true;
   }
   if (movable != nullptr) {
-    *movable = closed && (status.st_mode & S_ISGID) == 0 && !GivesDefaultAcl(path);
+    *movable = closed && (status.st_mode & S_ISGID) == 0 && !FolderGivesDefaultAcl(path, status);
   }
   return true;
 }
