@@ -8,8 +8,6 @@
 namespace mailslice::platform {
 namespace {
 
-// How long after a file's last change a read of it is trusted to have seen that change: more
-// than the coarsest timestamp tick of the file systems in use (two seconds on FAT).
 constexpr int64_t kSettledNanoseconds = int64_t{3} * 1'000'000'000;
 
 bool SameFile(const FileStatus& a, const FileStatus& b) {
@@ -17,13 +15,17 @@ bool SameFile(const FileStatus& a, const FileStatus& b) {
          a.modificationTime == b.modificationTime && a.changeTime == b.changeTime;
 }
 
+}  // namespace
+
 int64_t NowNanoseconds() {
   return std::chrono::duration_cast<std::chrono::nanoseconds>(
              std::chrono::system_clock::now().time_since_epoch())
       .count();
 }
 
-}  // namespace
+bool SettledWhenLooked(int64_t changeTime, int64_t lookedAt) {
+  return lookedAt - changeTime > kSettledNanoseconds;
+}
 
 const std::string* KeptFile::Read(const std::string& path) {
   if (trusted_ && path == path_) {
@@ -41,8 +43,7 @@ const std::string* KeptFile::Read(const std::string& path) {
   std::optional<std::string> content = ReadRest(*file);
   if (!content) return nullptr;
   content_ = std::move(*content);
-  if (status &&
-      readAt - std::max(status->changeTime, status->modificationTime) > kSettledNanoseconds) {
+  if (status && SettledWhenLooked(std::max(status->changeTime, status->modificationTime), readAt)) {
     trusted_ = status;
   }
   return &content_;

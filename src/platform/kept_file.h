@@ -3,12 +3,23 @@
 #ifndef MAILSLICE_PLATFORM_KEPT_FILE_H
 #define MAILSLICE_PLATFORM_KEPT_FILE_H
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
 #include "platform/file_system.h"
 
 namespace mailslice::platform {
+
+// The wall clock now, in nanoseconds since 1970-01-01 00:00 UTC, as file times are kept.
+int64_t NowNanoseconds();
+
+// Whether a look taken at `lookedAt` at something whose status last changed at `changeTime`
+// (both as NowNanoseconds gives them) saw it as it stays until its change time moves again:
+// the change lies more than the coarsest timestamp tick of the file systems in use (two
+// seconds on FAT) before the look. A change within a tick of the look could leave the time as
+// it was, so what such a look learnt must not be kept.
+bool SettledWhenLooked(int64_t changeTime, int64_t lookedAt);
 
 class KeptFile {
  public:

@@ -3,21 +3,17 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <cstdint>
 
 #include "platform/device_settings.h"
 #include "platform/file_system.h"
 #include "platform/folder_acl.h"
+#include "platform/kept_file.h"
 
 namespace mailslice::platform {
 namespace {
 
 constexpr mode_t kGroupAndOtherBits = 077;
-
-// A change within a timestamp tick of a look at the folder could leave its change time as it
-// was; an answer about the folder is kept only when its last change is older than this.
-constexpr int64_t kSettledNanoseconds = int64_t{3} * 1'000'000'000;
 
 int64_t Nanoseconds(const struct timespec& time) {
   return static_cast<int64_t>(time.tv_sec) * 1'000'000'000 + time.tv_nsec;
@@ -41,11 +37,9 @@ bool FolderGivesDefaultAcl(const std::string& path, const struct stat& status) {
       kept.changeTime == changeTime) {
     return kept.acl;
   }
-  auto now = std::chrono::duration_cast<std::chrono::nanoseconds>(
-                 std::chrono::system_clock::now().time_since_epoch())
-                 .count();
+  int64_t lookedAt = NowNanoseconds();
   bool acl = GivesDefaultAcl(path);
-  if (now - changeTime > kSettledNanoseconds) {
+  if (SettledWhenLooked(changeTime, lookedAt)) {
     kept = {path, status.st_dev, status.st_ino, changeTime, acl};
   } else {
     kept.path.clear();

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cstring>
 #include <map>
 
@@ -12,12 +11,6 @@ namespace mailslice::platform {
 namespace {
 
 constexpr int64_t kSecond = 1'000'000'000;
-
-int64_t Now() {
-  return std::chrono::duration_cast<std::chrono::nanoseconds>(
-             std::chrono::system_clock::now().time_since_epoch())
-      .count();
-}
 
 // Files held in memory, with the status the test gives them; counts the opens.
 class MemoryFiles final : public FileSystem {
@@ -77,7 +70,7 @@ TEST(KeptFileTest, ReadsAgainOnlyWhenTheFileMayHaveChanged) {
   FileStatus settled;
   settled.inode = 7;
   settled.size = 3;
-  settled.modificationTime = settled.changeTime = Now() - 60 * kSecond;
+  settled.modificationTime = settled.changeTime = NowNanoseconds() - 60 * kSecond;
   files.files["/store"] = {"old", settled};
   KeptFile kept;
   ASSERT_NE(kept.Read("/store"), nullptr);
@@ -108,7 +101,7 @@ TEST(KeptFileTest, AReadSoonAfterAChangeIsNotTrusted) {
   ScopedFileSystem scope(files);
   FileStatus fresh;
   fresh.size = 3;
-  fresh.modificationTime = fresh.changeTime = Now();
+  fresh.modificationTime = fresh.changeTime = NowNanoseconds();
   files.files["/store"] = {"one", fresh};
   KeptFile kept;
   EXPECT_EQ(*kept.Read("/store"), "one");
