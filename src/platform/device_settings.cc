@@ -10,6 +10,8 @@
 #include <new>
 #include <string_view>
 
+#include "platform/environment_pass.h"
+
 namespace mailslice::platform {
 namespace {
 
@@ -27,6 +29,12 @@ static_assert(kVariableNames.size() <= EnvironmentNames::kMaxNames);
 constexpr EnvironmentNames kNames(kVariableNames);
 
 thread_local SettingsScope* g_scope = nullptr;
+
+// The last pass over the environment on this thread, kept from call to call: every export call
+// asks for settings, and the environment seldom changes between calls. It is used again only
+// while the environment holds the same entries (see EnvironmentPass::Unchanged); the values
+// are read from those entries anew at every call, so a value changed in place is seen too.
+thread_local EnvironmentPass g_pass;
 
 // Runs `read` in the open scope, or in a scope of its own for a reading outside any.
 template <typename Read>
@@ -85,12 +93,10 @@ SettingsScope::~SettingsScope() {
 }
 
 void SettingsScope::Read(uint32_t settings) {
-  // A setting first asked for after the pass is read again only when the environment has
-  // changed since, which only the caller's own code within a scope can do.
-  if (!pass_.Unchanged(environ)) pass_.Read(kNames, environ);
+  if (!g_pass.Unchanged(environ)) g_pass.Read(kNames, environ);
   for (uint32_t left = settings; left != 0; left &= left - 1) {
     auto index = static_cast<size_t>(std::countr_zero(left));
-    const char* value = pass_.Value(index);
+    const char* value = g_pass.Value(index);
     if (value != nullptr && *value != '\0') {
       new (&slots_[index].value) std::string(value);
       present_ |= uint32_t{1} << index;

@@ -10,8 +10,6 @@
 #include <optional>
 #include <string>
 
-#include "platform/environment_pass.h"
-
 namespace mailslice::platform {
 
 // The environment variables the library reads (the names are in device_settings.cc).
@@ -31,8 +29,9 @@ enum class Setting : uint8_t {
 // While one lives (on this thread), each setting is read from the environment once, when it
 // is first asked for, and kept: a call that converts text asks for the code page at every
 // conversion. The first setting asked for reads every variable of the library in one pass over
-// the environment; a setting first asked for later takes its value from that pass while the
-// environment is unchanged. Scopes nest; the outermost keeps the settings.
+// the environment; a setting first asked for later, in this call or a later one, takes its
+// value from that pass while the environment holds the same entries. Scopes nest; the
+// outermost keeps the settings.
 class SettingsScope {
  public:
   SettingsScope();
@@ -80,7 +79,6 @@ class SettingsScope {
   uint32_t kept_ = 0;     // a bit per setting whose variable has been read
   uint32_t present_ = 0;  // a bit per setting whose variable was set, its value in slots_
   std::array<Slot, kSettingCount> slots_;
-  EnvironmentPass pass_;
   // The two settings every conversion asks for, as worked out from the variables.
   std::optional<int> languageCode_;
   std::optional<std::string> codePageName_;

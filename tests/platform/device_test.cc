@@ -103,6 +103,37 @@ TEST(DeviceTest, ASettingsScopeKeepsWhatItReadUntilItEnds) {
   EXPECT_EQ(device.GetCurrentLanguageCode(), 7);
 }
 
+// Between calls the settings follow the environment however it is changed: the pass over it
+// is kept from call to call, so each kind of change must show at the next call.
+TEST(DeviceTest, EveryWayOfChangingTheEnvironmentShowsAtTheNextCall) {
+  CVelEdit device;
+  ScopedEnv language("MAILSLICE_LANGUAGE", "81");
+  EXPECT_EQ(device.GetCurrentLanguageCode(), 81);
+  setenv("MAILSLICE_LANGUAGE", "82", 1);
+  EXPECT_EQ(device.GetCurrentLanguageCode(), 82);
+
+  static char handed[] = "MAILSLICE_LANGUAGE=48";
+  putenv(handed);
+  EXPECT_EQ(device.GetCurrentLanguageCode(), 48);
+  handed[19] = '7';  // the caller rewrites the string it handed over: "=78"
+  EXPECT_EQ(device.GetCurrentLanguageCode(), 78);
+  handed[20] = '\0';
+  EXPECT_EQ(device.GetCurrentLanguageCode(), 7);
+
+  unsetenv("MAILSLICE_LANGUAGE");
+  EXPECT_EQ(device.GetCurrentLanguageCode(), 1);
+
+  // A whole new environment put in place.
+  char entry[] = "MAILSLICE_LANGUAGE=966";
+  char* replacement[] = {entry, nullptr};
+  char** saved = environ;
+  environ = replacement;
+  EXPECT_EQ(device.GetCurrentLanguageCode(), 966);
+  EXPECT_EQ(mailslice::platform::AnsiCodePageName(), "CP1256");
+  environ = saved;
+  EXPECT_EQ(device.GetCurrentLanguageCode(), 1);
+}
+
 TEST(TempFolderTest, DefaultFolderIsPrivateAndALinkIsRefused) {
   ScratchFolder root;
   ScopedEnv chosen("MAILSLICE_TEMP", std::nullopt);
