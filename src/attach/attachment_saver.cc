@@ -77,8 +77,7 @@ std::string_view WithoutCutEscape(const std::string& chunk) {
   return text;
 }
 
-int SaveQuotedPrintableChunks(StagedFile& staged, std::string_view encoded,
-                              const std::string& destination, size_t chunkBytes) {
+int SaveQuotedPrintableChunks(StagedFile& staged, std::string_view encoded, size_t chunkBytes) {
   std::string chunk;
   for (size_t at = 0; at < encoded.size();) {
     size_t end = QuotedPrintableChunkEnd(encoded, at, chunkBytes);
@@ -93,7 +92,7 @@ int SaveQuotedPrintableChunks(StagedFile& staged, std::string_view encoded,
     }
     at = end;
   }
-  if (ErrorCode error = staged.CopyTo(destination)) return static_cast<int>(error);
+  if (ErrorCode error = staged.CopyToDestination()) return static_cast<int>(error);
   return kSaveSucceeded;
 }
 
@@ -115,9 +114,9 @@ ErrorCode DecodeBase64Blocks(StagedFile& staged, std::string_view encoded) {
 // Runs `save` on a fresh temporary file: kSaveImpossible when there is none, or when memory
 // runs out on the way.
 template <typename Save>
-int SaveStaged(Save save) {
+int SaveStaged(const std::string& destination, Save save) {
   try {
-    StagedFile staged;
+    StagedFile staged(destination);
     if (!staged.created()) return kSaveImpossible;
     return save(staged);
   } catch (const std::bad_alloc&) {
@@ -128,20 +127,20 @@ int SaveStaged(Save save) {
 }  // namespace
 
 int SaveBase64File(std::string_view encoded, const std::string& destination) {
-  return SaveStaged([&](StagedFile& staged) {
+  return SaveStaged(destination, [&](StagedFile& staged) {
     ErrorCode error = DecodeBase64Blocks(staged, encoded);
-    if (error == kErrorSuccess) error = staged.CopyTo(destination);
+    if (error == kErrorSuccess) error = staged.CopyToDestination();
     return error == kErrorDiskFull ? static_cast<int>(kErrorDiskFull) : kSaveSucceeded;
   });
 }
 
 int SavePlainFile(std::string_view bytes, const std::string& destination) {
-  return SaveStaged([&](StagedFile& staged) -> int {
+  return SaveStaged(destination, [&](StagedFile& staged) -> int {
     for (size_t at = 0; at < bytes.size(); at += kPlainChunkBytes) {
       ErrorCode error = staged.Write(bytes.substr(at, kPlainChunkBytes));
       if (error != kErrorSuccess) return static_cast<int>(error);
     }
-    if (ErrorCode error = staged.CopyTo(destination)) return static_cast<int>(error);
+    if (ErrorCode error = staged.CopyToDestination()) return static_cast<int>(error);
     return kSaveSucceeded;
   });
 }
@@ -149,8 +148,8 @@ int SavePlainFile(std::string_view bytes, const std::string& destination) {
 int SaveQuotedPrintableFile(std::string_view encoded, const std::string& destination,
                             size_t chunkBytes) {
   if (chunkBytes == 0) chunkBytes = kPlainChunkBytes;
-  return SaveStaged([&](StagedFile& staged) {
-    return SaveQuotedPrintableChunks(staged, encoded, destination, chunkBytes);
+  return SaveStaged(destination, [&](StagedFile& staged) {
+    return SaveQuotedPrintableChunks(staged, encoded, chunkBytes);
   });
 }
 

@@ -3,29 +3,26 @@
 #include "platform/temp_folder.h"
 
 namespace mailslice::attach {
-namespace {
-
-// Empty when the temporary folder cannot be had.
-std::string TempFilePath(bool& movable) {
-  std::optional<std::string> folder = platform::PrivateTempFolder(&movable);
-  return folder ? *folder + "/" + kTempFileName : std::string();
-}
-
-}  // namespace
 
 using platform::ErrorCode;
 using platform::Files;
 
-StagedFile::StagedFile() {
-  bool movable = false;
-  path_ = TempFilePath(movable);
-  if (path_.empty()) return;
+StagedFile::StagedFile(const std::string& destination) : destination_(destination) {
+  platform::TempFolderLook look;
+  std::optional<std::string> folder = platform::PrivateTempFolder(&look);
+  if (!folder) return;
+  path_ = *folder + "/" + kTempFileName;
   ErrorCode error = platform::kErrorSuccess;
   // In a folder no other user can enter, the file is private however it is made: it gets the
   // ordinary mode of a new file, so that it can become the saved file as it is. It needs no
   // name there (the path is freed first all the same), so nothing can be left behind.
-  if (movable) {
-    file_ = Files().CreateUnnamed(path_, &error);
+  if (look.movable) {
+    if (ErrorCode removed = Files().Remove(path_);
+        removed != platform::kErrorSuccess && removed != platform::kErrorFileNotFound) {
+      return;
+    }
+    file_ = Files().CreateUnnamedBeside(destination, look.device);
+    if (file_ == nullptr) file_ = Files().CreateUnnamed(path_, &error);
     unnamed_ = file_ != nullptr && file_->Unnamed();
     return;
   }
@@ -48,9 +45,9 @@ ErrorCode StagedFile::Write(std::string_view bytes) {
   return file_->Write(bytes.data(), bytes.size());
 }
 
-ErrorCode StagedFile::CopyTo(const std::string& destination) {
+ErrorCode StagedFile::CopyToDestination() {
   // A disk that fills up may say so only when the file is closed: that error comes first.
-  return Files().CloseAndCopy(*file_, path_, destination, &moved_);
+  return Files().CloseAndCopy(*file_, path_, destination_, &moved_);
 }
 
 }  // namespace mailslice::attach

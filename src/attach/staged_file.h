@@ -14,14 +14,17 @@ namespace mailslice::attach {
 // The temporary file's name in the private temporary folder (the device's "\temp\").
 inline constexpr char kTempFileName[] = "AttachTempfile~.txt";
 
-// Creates the file anew at the temporary path (or, where the host can, without a name in the
-// temporary folder), deleting first whatever an earlier save left there, readable by its owner
-// only (by its mode, or by the folder it is in) and never through a link someone else planted
-// there. The file is deleted again when the object goes, whatever happened in between, so no
-// call leaves it behind. Only one save may run at a time: they all share the one path.
+// Creates the file anew at the temporary path, deleting first whatever an earlier save left
+// there, readable by its owner only (by its mode, or by the folder it is in) and never through
+// a link someone else planted there. Where the host can, the file gets no name at all: it is
+// made in the temporary folder or, better, in the destination's folder when that is on the
+// same file system (the file then becomes the saved file where it is, and the folder gives it
+// what it gives a copy). The file is deleted again when the object goes, whatever happened in
+// between, so no call leaves it behind. Only one save may run at a time: they all share the
+// one path.
 class StagedFile {
  public:
-  StagedFile();
+  explicit StagedFile(const std::string& destination);
   ~StagedFile();
   StagedFile(const StagedFile&) = delete;
   StagedFile& operator=(const StagedFile&) = delete;
@@ -29,12 +32,13 @@ class StagedFile {
   // False when the temporary file could not be created; nothing else may be called then.
   bool created() const { return file_ != nullptr; }
   platform::ErrorCode Write(std::string_view bytes);
-  // Closes the file and copies it over `destination` (or moves it there, where that gives the
-  // same file); the destination is replaced in one step, so a failed copy leaves nothing
+  // Closes the file and copies it over the destination (or moves it there, where that gives
+  // the same file); the destination is replaced in one step, so a failed copy leaves nothing
   // half-written under the destination name.
-  platform::ErrorCode CopyTo(const std::string& destination);
+  platform::ErrorCode CopyToDestination();
 
  private:
+  const std::string& destination_;
   std::string path_;
   std::unique_ptr<platform::File> file_;  // kept, closed, after CopyTo
   bool moved_ = false;                    // CopyTo moved the file: its path is free

@@ -70,6 +70,19 @@ class FileSystem {
     }
     return CreateNewOrdinary(path, error);
   }
+  // A file without a name in the folder that `destination` names its file in, for a file
+  // staged on its way there: made in that folder, it gets from it just what a copy made there
+  // would get (mode from the umask, the folder's group and default ACL, its security label),
+  // and CloseAndCopy names it without copying. Only a folder on the file system `device` (as
+  // stat gives it) will do, the one the temporary folder is on, so the file meets the limits
+  // (space, size) it would have met in the temporary folder. Null where the host cannot, the
+  // folder cannot take the file, or it is on another file system.
+  virtual std::unique_ptr<File> CreateUnnamedBeside(const std::string& destination,
+                                                    uint64_t device) {
+    (void)destination;
+    (void)device;
+    return nullptr;
+  }
   // Copies `from` to `to`, replacing `to`; the destination changes only once the copy is
   // complete, so a failed copy leaves no partial file under the destination name.
   virtual ErrorCode Copy(const std::string& from, const std::string& to) = 0;

@@ -81,8 +81,9 @@ FileStatus StatusOf(const struct statx& status) {
 
 class PosixFile final : public File {
  public:
-  explicit PosixFile(int descriptor, bool ordinary = false, bool unnamed = false)
-      : descriptor_(descriptor), ordinary_(ordinary), unnamed_(unnamed) {}
+  explicit PosixFile(int descriptor, bool ordinary = false, bool unnamed = false,
+                     bool beside = false)
+      : descriptor_(descriptor), ordinary_(ordinary), unnamed_(unnamed), beside_(beside) {}
   ~PosixFile() override { Close(); }
 
   std::optional<uint64_t> Size() override {
@@ -132,6 +133,8 @@ class PosixFile final : public File {
   // Created with the ordinary mode of a new file, in a folder no other user can enter.
   bool ordinary() const { return ordinary_; }
   bool Unnamed() const override { return unnamed_; }
+  // Made without a name in the folder of its destination (see CreateUnnamedBeside).
+  bool beside() const { return beside_; }
   // Bytes written through this object: the size of a file created new and only written since.
   uint64_t written() const { return written_; }
 
@@ -146,6 +149,7 @@ class PosixFile final : public File {
   int descriptor_;
   bool ordinary_;
   bool unnamed_;
+  bool beside_;
   uint64_t written_ = 0;
   std::optional<uint64_t> openedSize_;
 };
@@ -224,6 +228,19 @@ class LinuxFileSystem final : public FileSystem {
     if (descriptor < 0) return Adopt(-1, error);
     *error = kErrorSuccess;
     return std::make_unique<PosixFile>(descriptor, true, true);
+  }
+
+  std::unique_ptr<File> CreateUnnamedBeside(const std::string& destination,
+                                            uint64_t device) override {
+    int descriptor =
+        open(ContainingFolder(destination).c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0666);
+    if (descriptor < 0) return nullptr;
+    struct stat status;
+    if (fstat(descriptor, &status) != 0 || static_cast<uint64_t>(status.st_dev) != device) {
+      close(descriptor);
+      return nullptr;
+    }
+    return std::make_unique<PosixFile>(descriptor, true, true, true);
   }
 
   ErrorCode Copy(const std::string& from, const std::string& to) override {
@@ -306,10 +323,13 @@ class LinuxFileSystem final : public FileSystem {
   }
 
   // Gives the file made by CreateUnnamed the name `to` where that gives the file a copy would
-  // (see MovesAsCopied), else copies it there; either way the file is closed after. An
-  // existing destination is replaced in one step: the file is named beside it first.
+  // (see MovesAsCopied; a file made beside `to` is such a file), else copies it there; either way
+  // the file is closed after. An existing destination is replaced in one step: the file is named
+  // beside it first.
   ErrorCode NameOrCopy(PosixFile& created, const std::string& to, bool* moved) {
-    if (!MovesAsCopied(created.descriptor(), to)) return CloseAndCopyContent(created, to);
+    if (!created.beside() && !MovesAsCopied(created.descriptor(), to)) {
+      return CloseAndCopyContent(created, to);
+    }
     int linked = LinkDescriptor(created.descriptor(), to);
     if (linked == 0) {
       *moved = true;

@@ -48,9 +48,8 @@ bool FolderGivesDefaultAcl(const std::string& path, const struct stat& status) {
 }
 
 // True when `path` is a real folder (not a link) owned by this user; `tighten` takes away any
-// access of other users. `*movable`, when asked for, says whether its files may leave it as
-// they are made.
-bool IsOwnFolder(const std::string& path, bool tighten, bool* movable) {
+// access of other users. `*look`, when asked for, is filled in.
+bool IsOwnFolder(const std::string& path, bool tighten, TempFolderLook* look) {
   struct stat status;
   if (lstat(path.c_str(), &status) != 0 || !S_ISDIR(status.st_mode)) return false;
   if (status.st_uid != geteuid()) return false;
@@ -59,23 +58,25 @@ bool IsOwnFolder(const std::string& path, bool tighten, bool* movable) {
     if (chmod(path.c_str(), 0700) != 0) return false;
     closed = true;
   }
-  if (movable != nullptr) {
-    *movable = closed && (status.st_mode & S_ISGID) == 0 && !FolderGivesDefaultAcl(path, status);
+  if (look != nullptr) {
+    look->movable =
+        closed && (status.st_mode & S_ISGID) == 0 && !FolderGivesDefaultAcl(path, status);
+    look->device = static_cast<uint64_t>(status.st_dev);
   }
   return true;
 }
 
 }  // namespace
 
-std::optional<std::string> PrivateTempFolder(bool* movable) {
+std::optional<std::string> PrivateTempFolder(TempFolderLook* look) {
   auto chosen = TempFolderSetting();
   // A folder the user chose keeps its mode; the default one in a shared place is made private.
   std::string path = chosen ? *chosen : HostTempRoot() + "/mailslice-" + std::to_string(geteuid());
   while (path.size() > 1 && path.back() == '/') path.pop_back();
   // The folder is usually there from the last call: one look spares creating it and its parents.
-  if (!IsOwnFolder(path, !chosen, movable)) {
+  if (!IsOwnFolder(path, !chosen, look)) {
     if (Files().MakeFolders(path, true) != kErrorSuccess) return std::nullopt;
-    if (!IsOwnFolder(path, !chosen, movable)) return std::nullopt;
+    if (!IsOwnFolder(path, !chosen, look)) return std::nullopt;
   }
   return path;
 }
