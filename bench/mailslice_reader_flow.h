@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <string>
 #include <system_error>
+#include <vector>
 
 #include "datetime/date_display.h"
 #include "reader_flow_tally.h"
@@ -37,6 +38,9 @@ inline void ReadHeadersThroughMailslice() {
 // save makes a new file, as an application saving under a free name does. (Replacing a file
 // instead would time the file system: ext4 flushes a file's data to disk when another is
 // renamed over it or when it is truncated.)
+// Where the sizes of the saved files are gathered when set (outside the timed runs).
+inline std::vector<uintmax_t>* g_savedSizes = nullptr;
+
 inline void SaveAttachmentsThroughMailslice(const char* text, const CString& savedPath,
                                             ReaderFlowTally& tally) {
   CString names;
@@ -54,6 +58,7 @@ inline void SaveAttachmentsThroughMailslice(const char* text, const CString& sav
     std::error_code error;
     uintmax_t size = std::filesystem::file_size(saved, error);
     if (!error) tally.savedBytes += size;
+    if (!error && g_savedSizes != nullptr) g_savedSizes->push_back(size);
     std::filesystem::remove(saved, error);
     ++tally.attachments;
   }

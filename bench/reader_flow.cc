@@ -5,7 +5,10 @@
 // (gmime_reader_flow.h), alternating the two; prints the median time of each, their ratio and
 // the peak memory of each flow. A CORPUS_DIR without the corpus gets it generated first.
 // See bench/README.md.
+#include <fcntl.h>
 #include <stdlib.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -61,9 +64,18 @@ struct Workload {
   uintmax_t largestBytes = 0;
 };
 
+// The processor time of a run, split between the process and the kernel working for it.
+struct CpuMs {
+  double user = 0;
+  double system = 0;
+};
+
 struct Results {
   double mailsliceMs = 0;
   double gmimeMs = 0;
+  CpuMs mailsliceCpu;
+  CpuMs gmimeCpu;
+  double filesMs = 0;  // the saved files made and removed directly (see FilesOnly)
   std::optional<double> mailslicePeakMB;
   std::optional<double> gmimePeakMB;
   ReaderFlowTally mailsliceWork;
@@ -220,12 +232,48 @@ std::optional<double> PeakGrowthMB(const std::function<void()>& flow) {
   return static_cast<double>(growth) * 1024 / kBytesInMB;
 }
 
+double CpuMsOf(const timeval& time) {
+  return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_usec) / 1e3;
+}
+
+CpuMs CpuNow() {
+  rusage usage{};
+  getrusage(RUSAGE_SELF, &usage);
+  return {CpuMsOf(usage.ru_utime), CpuMsOf(usage.ru_stime)};
+}
+
+// The wall time of `flow` in ms; `cpu`, when given, gets its processor time.
 template <typename Flow>
-double MillisecondsOf(Flow&& flow) {
+double MillisecondsOf(Flow&& flow, CpuMs* cpu = nullptr) {
+  CpuMs before = cpu != nullptr ? CpuNow() : CpuMs{};
   auto start = std::chrono::steady_clock::now();
   flow();
-  return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start)
-      .count();
+  double ms =
+      std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+  if (cpu != nullptr) {
+    CpuMs after = CpuNow();
+    *cpu = {after.user - before.user, after.system - before.system};
+  }
+  return ms;
+}
+
+// What any reader pays the kernel to save the workload's attachments, whatever its parser:
+// each saved file of the run created, written in one call, measured, closed and removed, as
+// the GMime flow does with its files (but for the writing, which it does in pieces).
+void FilesOnly(const std::vector<uintmax_t>& sizes, const std::string& path) {
+  static std::vector<char> bytes;
+  for (uintmax_t size : sizes) {
+    if (bytes.size() < size) bytes.resize(size, 'x');
+    int file = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
+    if (file < 0) continue;
+    struct stat status {};
+    if (write(file, bytes.data(), size) != static_cast<ssize_t>(size) ||
+        fstat(file, &status) != 0) {
+      std::fprintf(stderr, "reader_flow: cannot write %s\n", path.c_str());
+    }
+    close(file);
+    unlink(path.c_str());
+  }
 }
 
 double Median(std::vector<double> values) {
@@ -261,16 +309,30 @@ void MeasureTimes(const Options& options, const Workload& workload, const Scratc
   std::vector<double> mailsliceMs;
   std::vector<double> gmimeMs;
   std::string gmimeSaved = (scratch.path() / "gmime-saved.bin").string();
+  std::string filesSaved = (scratch.path() / "files-only.bin").string();
+  std::vector<uintmax_t> savedSizes;
+  g_savedSizes = &savedSizes;
   results.mailsliceWork = RunMailslice(workload, mailsliceSaved);
+  g_savedSizes = nullptr;
   if (options.withGmime) results.gmimeWork = RunGmime(workload, gmimeSaved);
+  std::vector<double> mailsliceUser, mailsliceSystem, gmimeUser, gmimeSystem, filesMs;
   for (int run = 0; run < options.repeat; ++run) {
-    mailsliceMs.push_back(MillisecondsOf([&] { RunMailslice(workload, mailsliceSaved); }));
+    CpuMs cpu;
+    mailsliceMs.push_back(MillisecondsOf([&] { RunMailslice(workload, mailsliceSaved); }, &cpu));
+    mailsliceUser.push_back(cpu.user);
+    mailsliceSystem.push_back(cpu.system);
     if (options.withGmime) {
-      gmimeMs.push_back(MillisecondsOf([&] { RunGmime(workload, gmimeSaved); }));
+      gmimeMs.push_back(MillisecondsOf([&] { RunGmime(workload, gmimeSaved); }, &cpu));
+      gmimeUser.push_back(cpu.user);
+      gmimeSystem.push_back(cpu.system);
     }
+    filesMs.push_back(MillisecondsOf([&] { FilesOnly(savedSizes, filesSaved); }));
   }
   results.mailsliceMs = Median(mailsliceMs);
   results.gmimeMs = Median(gmimeMs);
+  results.mailsliceCpu = {Median(mailsliceUser), Median(mailsliceSystem)};
+  results.gmimeCpu = {Median(gmimeUser), Median(gmimeSystem)};
+  results.filesMs = Median(filesMs);
 }
 
 std::string Peak(const std::optional<double>& peakMB, uintmax_t largestBytes) {
@@ -306,6 +368,28 @@ void PrintTable(const std::vector<Workload>& workloads, const std::vector<Result
   std::printf(
       "(median of the timed runs; ratio = mailslice / GMime; peak = rise of the resident size "
       "during one run, x the largest message of the workload)\n");
+}
+
+void PrintCpuSplit(const std::vector<Workload>& workloads, const std::vector<Results>& results,
+                   bool withGmime) {
+  std::printf("\nwhere the time goes (median ms of the timed runs):\n");
+  std::printf("%-24s %15s %15s %15s %15s %10s\n", "workload", "mailslice user", "mailslice sys",
+              "GMime user", "GMime sys", "files");
+  for (size_t index = 0; index < workloads.size(); ++index) {
+    const Results& result = results[index];
+    std::printf("%-24s %15.1f %15.1f", workloads[index].label.c_str(), result.mailsliceCpu.user,
+                result.mailsliceCpu.system);
+    if (withGmime) {
+      std::printf(" %15.1f %15.1f", result.gmimeCpu.user, result.gmimeCpu.system);
+    } else {
+      std::printf(" %15s %15s", "n/a", "n/a");
+    }
+    std::printf(" %10.1f\n", result.filesMs);
+  }
+  std::printf(
+      "(user and system processor time of each flow; files = the run's saved files made, "
+      "written, closed and removed directly, with no parsing: what saving them costs any "
+      "reader)\n");
 }
 
 void PrintTally(const char* side, const ReaderFlowTally& tally) {
@@ -377,6 +461,7 @@ int Run(Options options) {
     MeasureTimes(options, workloads[index], scratch, results[index]);
   }
   PrintTable(workloads, results, options.withGmime);
+  PrintCpuSplit(workloads, results, options.withGmime);
   PrintWork(workloads, results, options.withGmime);
   return 0;
 }
