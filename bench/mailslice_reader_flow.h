@@ -34,13 +34,13 @@ inline void ReadHeadersThroughMailslice() {
   }
 }
 
+// Where the sizes of the saved files are gathered when set (outside the timed runs).
+inline std::vector<uintmax_t>* g_savedSizes = nullptr;
+
 // Every listed attachment is saved to `savedPath` in turn and removed once measured, so each
 // save makes a new file, as an application saving under a free name does. (Replacing a file
 // instead would time the file system: ext4 flushes a file's data to disk when another is
 // renamed over it or when it is truncated.)
-// Where the sizes of the saved files are gathered when set (outside the timed runs).
-inline std::vector<uintmax_t>* g_savedSizes = nullptr;
-
 inline void SaveAttachmentsThroughMailslice(const char* text, const CString& savedPath,
                                             ReaderFlowTally& tally) {
   CString names;

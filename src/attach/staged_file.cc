@@ -1,11 +1,43 @@
 #include "attach/staged_file.h"
 
+#include "platform/kept_file.h"
 #include "platform/temp_folder.h"
 
 namespace mailslice::attach {
 
 using platform::ErrorCode;
 using platform::Files;
+
+bool FreeTempPath::Known(const std::string& path, const platform::TempFolderLook& look) const {
+  return !path_.empty() && path == path_ && look.device == look_.device &&
+         look.inode == look_.inode && look.changeTime == look_.changeTime;
+}
+
+void FreeTempPath::Note(const std::string& path, const platform::TempFolderLook& look) {
+  if (!platform::SettledWhenLooked(look.changeTime, look.lookedAt)) {
+    Forget();
+    return;
+  }
+  path_ = path;
+  look_ = look;
+}
+
+namespace {
+
+// Frees the temporary path for a new file; false when what is there cannot go.
+bool FreePath(const std::string& path, const platform::TempFolderLook& look) {
+  thread_local FreeTempPath known;
+  if (known.Known(path, look)) return true;
+  ErrorCode removed = Files().Remove(path);
+  if (removed == platform::kErrorFileNotFound) {
+    known.Note(path, look);
+    return true;
+  }
+  known.Forget();
+  return removed == platform::kErrorSuccess;
+}
+
+}  // namespace
 
 StagedFile::StagedFile(const std::string& destination) : destination_(destination) {
   platform::TempFolderLook look;
@@ -17,10 +49,7 @@ StagedFile::StagedFile(const std::string& destination) : destination_(destinatio
   // ordinary mode of a new file, so that it can become the saved file as it is. It needs no
   // name there (the path is freed first all the same), so nothing can be left behind.
   if (look.movable) {
-    if (ErrorCode removed = Files().Remove(path_);
-        removed != platform::kErrorSuccess && removed != platform::kErrorFileNotFound) {
-      return;
-    }
+    if (!FreePath(path_, look)) return;
     file_ = Files().CreateUnnamedBeside(destination, look.device);
     if (file_ == nullptr) file_ = Files().CreateUnnamed(path_, &error);
     unnamed_ = file_ != nullptr && file_->Unnamed();

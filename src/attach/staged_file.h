@@ -8,11 +8,28 @@
 #include <string_view>
 
 #include "platform/file_system.h"
+#include "platform/temp_folder.h"
 
 namespace mailslice::attach {
 
 // The temporary file's name in the private temporary folder (the device's "\temp\").
 inline constexpr char kTempFileName[] = "AttachTempfile~.txt";
+
+// What a save learnt of the temporary path: that it was free at a look at the temporary
+// folder. Anything put in the folder moves the folder's change time, so while a later look
+// finds the same folder with the same change time, the path is still free and need not be
+// freed again. A look within a timestamp tick of the folder's last change could miss a change
+// made right after it, so only a look well after that change is kept.
+class FreeTempPath {
+ public:
+  bool Known(const std::string& path, const platform::TempFolderLook& look) const;
+  void Note(const std::string& path, const platform::TempFolderLook& look);
+  void Forget() { path_.clear(); }
+
+ private:
+  std::string path_;
+  platform::TempFolderLook look_;
+};
 
 // Creates the file anew at the temporary path, deleting first whatever an earlier save left
 // there, readable by its owner only (by its mode, or by the folder it is in) and never through

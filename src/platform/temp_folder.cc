@@ -62,6 +62,9 @@ bool IsOwnFolder(const std::string& path, bool tighten, TempFolderLook* look) {
     look->movable =
         closed && (status.st_mode & S_ISGID) == 0 && !FolderGivesDefaultAcl(path, status);
     look->device = static_cast<uint64_t>(status.st_dev);
+    look->inode = static_cast<uint64_t>(status.st_ino);
+    look->changeTime = Nanoseconds(status.st_ctim);
+    look->lookedAt = NowNanoseconds();
   }
   return true;
 }

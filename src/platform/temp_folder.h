@@ -17,8 +17,13 @@ struct TempFolderLook {
   // user chose may not be), so its files need no mode of their own to stay private, and it
   // gives them nothing of its own (no default ACL, not its group).
   bool movable = false;
-  // The file system the folder is on, as stat gives it.
+  // The file system the folder is on, as stat gives it, and which folder of it this is.
   uint64_t device = 0;
+  uint64_t inode = 0;
+  // When the folder last changed (anything put in it or taken out moves this time) and when
+  // it was looked at, in nanoseconds as NowNanoseconds gives them.
+  int64_t changeTime = 0;
+  int64_t lookedAt = 0;
 };
 
 // `look`, when given, tells what a save needs to know of the folder.
