@@ -326,6 +326,9 @@ void MeasureTimes(const Options& options, const Workload& workload, const Scratc
       gmimeUser.push_back(cpu.user);
       gmimeSystem.push_back(cpu.system);
     }
+  }
+  // After the flows, so that these files do not add to the kernel's work during their runs.
+  for (int run = 0; run < options.repeat; ++run) {
     filesMs.push_back(MillisecondsOf([&] { FilesOnly(savedSizes, filesSaved); }));
   }
   results.mailsliceMs = Median(mailsliceMs);
