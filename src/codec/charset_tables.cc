@@ -87,8 +87,16 @@ char16_t Koi8rToUtf16(unsigned value) { return Lookup(kKoi8r, value); }
 char16_t Windows1251ToUtf16(unsigned value) { return Lookup(kWindows1251, value); }
 
 std::string NarrowLikeWcstombs(std::u16string_view text, size_t capacity) {
-  std::string whole = platform::WideToMultiByteUntilFailure(text);
-  if (whole.size() <= capacity) return whole;
+  std::string narrow;
+  NarrowLikeWcstombs(text, capacity, narrow);
+  return narrow;
+}
+
+void NarrowLikeWcstombs(std::u16string_view text, size_t capacity, std::string& narrow) {
+  size_t start = narrow.size();
+  platform::WideToMultiByteUntilFailure(text, narrow);
+  if (narrow.size() - start <= capacity) return;
+  narrow.resize(start);
   // Too long for the buffer: the longest run of whole characters that fits. The narrowed
   // length grows with the number of code units taken, so a binary search finds it.
   size_t fits = 0;
@@ -101,7 +109,7 @@ std::string NarrowLikeWcstombs(std::u16string_view text, size_t capacity) {
       tooMany = middle;
     }
   }
-  return platform::WideToMultiByteUntilFailure(text.substr(0, fits));
+  platform::WideToMultiByteUntilFailure(text.substr(0, fits), narrow);
 }
 
 // A device set to the low-byte language has always shown Cyrillic words as their low bytes.

@@ -24,6 +24,8 @@ char16_t Windows1251ToUtf16(unsigned value);
 // conversion stops at NUL, at the first character the code page cannot hold, and before the
 // first character that no longer fits whole.
 std::string NarrowLikeWcstombs(std::u16string_view text, size_t capacity);
+// The same, appended to `narrow`.
+void NarrowLikeWcstombs(std::u16string_view text, size_t capacity, std::string& narrow);
 
 // Wide text to the device's 8-bit text, at most twice as many bytes as code units. Under
 // kLowByteLanguage each code unit keeps its low byte; elsewhere NarrowLikeWcstombs. The result

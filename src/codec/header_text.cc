@@ -1,8 +1,10 @@
 #include "codec/header_text.h"
 
+#include <array>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <utility>
 
 #include "codec/base64_decoder.h"
 #include "codec/charset_class.h"
@@ -34,11 +36,55 @@ struct FreeDeleter {
   void operator()(char* block) const { std::free(block); }
 };
 
-// The text of a heap block that a codec handed over, up to its NUL; empty for none.
-std::string TakeText(char* block) {
+// The text of a heap block that a codec handed over, up to its NUL, put in `text`; empty for
+// none.
+void TakeText(char* block, std::string& text) {
   std::unique_ptr<char, FreeDeleter> owned(block);
-  return owned ? std::string(owned.get()) : std::string();
+  if (owned) {
+    text.assign(owned.get());
+  } else {
+    text.clear();
+  }
 }
+
+// Headers are decoded by the thousand, each through a few byte strings that live only while it
+// is decoded: the thread keeps them for the next header. A string is lent out whole, so a
+// decoding started inside another finds fewer kept and makes its own.
+constexpr size_t kKeptScratchCount = 4;
+constexpr size_t kMostKeptScratchBytes = 16 * 1024;  // a rare huge header gives its room back
+
+struct ScratchPool {
+  std::array<std::string, kKeptScratchCount> kept;
+  size_t count = 0;
+};
+
+ScratchPool& Pool() {
+  thread_local ScratchPool pool;
+  return pool;
+}
+
+class ScratchBytes {
+ public:
+  ScratchBytes() {
+    ScratchPool& pool = Pool();
+    if (pool.count > 0) bytes_ = std::move(pool.kept[--pool.count]);
+    bytes_.clear();
+  }
+  ~ScratchBytes() {
+    ScratchPool& pool = Pool();
+    if (pool.count < kKeptScratchCount && bytes_.capacity() <= kMostKeptScratchBytes) {
+      pool.kept[pool.count++] = std::move(bytes_);
+    }
+  }
+  ScratchBytes(const ScratchBytes&) = delete;
+  ScratchBytes& operator=(const ScratchBytes&) = delete;
+
+  std::string& operator*() { return bytes_; }
+  std::string* operator->() { return &bytes_; }
+
+ private:
+  std::string bytes_;
+};
 
 template <typename Spellings>
 bool StartsWithAny(std::string_view text, const Spellings& spellings) {
@@ -65,7 +111,11 @@ struct WordEnd {
 // header decoder converts its whole result at once; wide pieces are put between them.
 class DecodedText {
  public:
-  void AppendBytes(std::string_view bytes) { bytes_ += bytes; }
+  // Room for a result as long as the header's bytes, which most headers do not outgrow.
+  explicit DecodedText(size_t expected) { wide_.reserve(expected); }
+
+  std::string& bytes() { return *bytes_; }
+  void AppendBytes(std::string_view bytes) { bytes_->append(bytes); }
   void AppendWide(std::u16string_view text) {
     WidenBytes();
     wide_ += text;
@@ -77,37 +127,36 @@ class DecodedText {
 
  private:
   void WidenBytes() {
-    if (!bytes_.empty()) wide_ += platform::AnsiToWide(bytes_);
-    bytes_.clear();
+    if (!bytes_->empty()) platform::DeviceAnsiReader().AppendWidened(*bytes_, wide_);
+    bytes_->clear();
   }
-  std::string bytes_;
+  ScratchBytes bytes_;
   std::u16string wide_;
 };
 
-std::string UndoTransferEncoding(const EncodedWord& word) {
-  std::string encoded(word.text);
-  switch (word.transfer) {
-    case Transfer::kBase64:
-      return TakeText(DecodeBase64(encoded.c_str(), nullptr));
-    case Transfer::kQuotedPrintable:
-      // Without a length the decoder turns underscores into spaces where the device's
-      // language expects it, as in encoded words.
-      return TakeText(DecodeQuotedPrintable(encoded.c_str(), nullptr));
-    case Transfer::kNone:
-      break;
+// The word's bytes with its transfer encoding undone, up to the first NUL, put in `decoded`.
+void UndoTransferEncoding(const EncodedWord& word, std::string& decoded) {
+  if (word.transfer != Transfer::kNone) {
+    ScratchBytes encoded;
+    encoded->assign(word.text);
+    // Without a length the quoted-printable decoder turns underscores into spaces where the
+    // device's language expects it, as in encoded words.
+    TakeText(word.transfer == Transfer::kBase64 ? DecodeBase64(encoded->c_str(), nullptr)
+                                                : DecodeQuotedPrintable(encoded->c_str(), nullptr),
+             decoded);
+    return;
   }
-  return encoded;
+  decoded.assign(word.text);
 }
 
 // Through the JIS converter, into a buffer of twice the input and the NUL: more than the
 // converter can write (a last lone byte of a two-byte run makes a pair with the NUL, and only
 // after an escape it does not copy). Korean words, which the device gave a buffer of their
 // own length plus one, get this one too; no text changes.
-std::string JisToShiftJis(const std::string& bytes) {
-  std::string out(bytes.size() * 2 + 2, '\0');
+void JisToShiftJis(const std::string& bytes, std::string& out) {
+  out.assign(bytes.size() * 2 + 2, '\0');
   JapaneseConverter().JisToShiftJis(out.data(), bytes.c_str());
   out.resize(std::strlen(out.c_str()));
-  return out;
 }
 
 // A KOI8-R or windows-1251 word, through its table and the device's narrowing.
@@ -125,7 +174,7 @@ CString TableWord(int charsetClass, std::string_view bytes) {
 class HeaderWalk {
  public:
   HeaderWalk(const std::string& bytes, const HeaderWalkRules& rules)
-      : text_(bytes), ptr_(bytes.c_str()), rules_(rules) {}
+      : text_(bytes), ptr_(bytes.c_str()), rules_(rules), result_(bytes.size()) {}
 
   CString Decode() {
     for (size_t at = 0; at < text_.size();) {
@@ -133,18 +182,16 @@ class HeaderWalk {
         at = KeepPlainText(at);
         continue;
       }
-      result_.AppendBytes(pending_);
-      pending_.clear();
       std::optional<EncodedWord> word = CutWord(at);
       if (!word) return result_.Finish();  // an unterminated word drops the rest
-      std::string bytes = UndoTransferEncoding(*word);
+      ScratchBytes bytes;
+      UndoTransferEncoding(*word, *bytes);
       // Russian mail shows its first Cyrillic word alone: the text around it is dropped.
       if (word->charsetClass == kCharsetKoi8r || word->charsetClass == kCharsetWindows1251) {
-        return TableWord(word->charsetClass, bytes);
+        return TableWord(word->charsetClass, *bytes);
       }
-      AppendConverted(word->charsetClass, std::move(bytes));
+      AppendConverted(word->charsetClass, *bytes);
     }
-    result_.AppendBytes(pending_);
     return result_.Finish();
   }
 
@@ -160,15 +207,16 @@ class HeaderWalk {
     return at;
   }
 
-  // Keeps plain text as pending text up to the next start; CR and LF, left by folded header
-  // lines, are dropped. Returns where it stopped.
+  // Keeps plain text up to the next start; CR and LF, left by folded header lines, are
+  // dropped. Returns where it stopped.
   size_t KeepPlainText(size_t at) {
+    std::string& kept = result_.bytes();
     while (at < text_.size()) {
       size_t stop = PlainTextStop(at);
-      pending_.append(text_, at, stop - at);
+      kept.append(text_, at, stop - at);
       at = stop;
       if (at == text_.size() || WordStartsAt(at)) break;
-      if (text_[at] != '\r' && text_[at] != '\n') pending_ += text_[at];
+      if (text_[at] != '\r' && text_[at] != '\n') kept += text_[at];
       ++at;
     }
     return at;
@@ -224,7 +272,7 @@ class HeaderWalk {
     return std::nullopt;
   }
 
-  void AppendConverted(int charsetClass, std::string bytes) {
+  void AppendConverted(int charsetClass, std::string& bytes) {
     if (rules_.wideWord != nullptr) {
       if (std::optional<std::u16string> wide = rules_.wideWord(charsetClass, bytes)) {
         result_.AppendWide(*wide);
@@ -236,15 +284,18 @@ class HeaderWalk {
       case kCharsetJapanese:
       // Korean words carry no ISO-2022 escape, so the JIS converter passes their bytes through
       // in its single-byte mode: Korean mail shares the Japanese route.
-      case kCharsetKsc5601:
-        result_.AppendBytes(JisToShiftJis(bytes));
+      case kCharsetKsc5601: {
+        ScratchBytes shiftJis;
+        JisToShiftJis(bytes, *shiftJis);
+        result_.AppendBytes(*shiftJis);
         break;
+      }
       case kCharsetEucJp:
         converter.EucToShiftJis(bytes.data());
         result_.AppendBytes(bytes);
         break;
       case kCharsetUtf8:
-        result_.AppendBytes(TakeText(converter.Utf8ToDevice(bytes.c_str())));
+        converter.AppendUtf8AsDevice(bytes, result_.bytes());
         break;
       default:
         // EUC-KR and unknown charsets keep their bytes; so does UTF-7, whose conversion on
@@ -257,7 +308,6 @@ class HeaderWalk {
   std::string_view text_;
   const char* ptr_;  // text_ as NUL-terminated text, for the charset classifier
   const HeaderWalkRules& rules_;
-  std::string pending_;
   DecodedText result_;
 };
 
@@ -268,8 +318,9 @@ CString DecodeHeaderText(const CString& source) { return DecodeHeaderText(source
 CString DecodeHeaderText(const CString& source, const HeaderWalkRules& rules) {
   // The header arrives widened from the message's bytes; wcstombs gives them back, in a
   // buffer of twice its length.
-  std::string bytes = NarrowLikeWcstombs(source.Str(), source.Str().size() * 2);
-  return HeaderWalk(bytes, rules).Decode();
+  ScratchBytes bytes;
+  NarrowLikeWcstombs(source.Str(), source.Str().size() * 2, *bytes);
+  return HeaderWalk(*bytes, rules).Decode();
 }
 
 }  // namespace mailslice::codec

@@ -4,6 +4,9 @@
 #ifndef MAILSLICE_CODEC_JAPANESE_CONVERTER_H
 #define MAILSLICE_CODEC_JAPANESE_CONVERTER_H
 
+#include <string>
+#include <string_view>
+
 namespace mailslice::codec {
 
 // The device language whose narrowing goes through the C library's wcstombs.
@@ -22,6 +25,8 @@ class JapaneseConverter {
   // utf82sjs: the UTF-8 `text` in the device code page, in a new malloc'd buffer that the
   // caller frees (null for a null text).
   char* Utf8ToDevice(const char* text) const;
+  // The text Utf8ToDevice hands over for `utf8` (which holds no NUL), appended to `out`.
+  void AppendUtf8AsDevice(std::string_view utf8, std::string& out) const;
   // utf72sjs: takes the malloc'd UTF-7 `heapText` and frees it; the converted text is not
   // handed back, so callers keep UTF-7 text as it was.
   void Utf7ToDevice(char* heapText) const;

@@ -37,6 +37,20 @@ char* JapaneseConverter::Utf8ToDevice(const char* text) const {
   return HandOver(platform::WideToMultiByteUntilFailure(wide), wide.size() * 2 + 1);
 }
 
+void JapaneseConverter::AppendUtf8AsDevice(std::string_view utf8, std::string& out) const {
+  if (utf8.starts_with(kUtf8ByteOrderMark)) utf8.remove_prefix(kUtf8ByteOrderMark.size());
+  std::u16string wide = platform::MultiByteToWide(platform::kUtf8CodePage, utf8);
+  size_t start = out.size();
+  if (platform::LanguageCode() != kWcstombsLanguage) {
+    platform::WideToMultiByte(platform::kAnsiCodePage, wide, out);
+  } else {
+    platform::WideToMultiByteUntilFailure(wide, out);
+  }
+  // The handed-over buffer is read up to its first NUL.
+  size_t nul = out.find('\0', start);
+  if (nul != std::string::npos) out.resize(nul);
+}
+
 void JapaneseConverter::Utf7ToDevice(char* heapText) const {
   if (heapText == nullptr) return;
   std::u16string wide = platform::MultiByteToWide(platform::kUtf7CodePage, heapText);

@@ -279,11 +279,15 @@ void AnsiReader::AppendWidened(std::string_view bytes, std::u16string& wide) con
 }
 
 std::string WideToMultiByte(unsigned codePage, std::u16string_view text) {
-  std::string name = IconvName(codePage);
   std::string narrow;
+  WideToMultiByte(codePage, text, narrow);
+  return narrow;
+}
+
+void WideToMultiByte(unsigned codePage, std::u16string_view text, std::string& narrow) {
+  std::string name = IconvName(codePage);
   size_t done = FastPrefixToNarrow(name, text, narrow, kExactConversions);
   if (done < text.size()) narrow += IconvToNarrow(name, text.substr(done));
-  return narrow;
 }
 
 std::string WideToMultiByteUntilFailure(std::u16string_view text) {

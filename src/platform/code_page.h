@@ -24,6 +24,8 @@ std::u16string MultiByteToWide(unsigned codePage, std::string_view bytes);
 // UTF-16 to 8-bit, like WideCharToMultiByte with no default character given: a character that
 // the code page cannot hold (and an unpaired surrogate) becomes '?'.
 std::string WideToMultiByte(unsigned codePage, std::u16string_view text);
+// The same, appended to `narrow` (whose room is used).
+void WideToMultiByte(unsigned codePage, std::u16string_view text, std::string& narrow);
 
 // UTF-16 to the device ANSI code page, like the C library's wcstombs: the conversion stops at
 // the first NUL or at the first character that the code page cannot hold, and what was
