@@ -52,7 +52,7 @@ const char* WithClosingDelimiter(const char* text, const CString& boundary, std:
 }  // namespace
 
 bool VisitMarkedParts(mime::WalkedText message, const CString& boundary, std::string& repaired,
-                      const std::function<void(const PartRecord&, const mime::Piece&)>& visit) {
+                      platform::FunctionRef<void(const PartRecord&, const mime::Piece&)> visit) {
   const char* text = WithClosingDelimiter(message.text, boundary, repaired);
   if (text != message.text) message = mime::WalkedText(text, true);
   mime::PieceTexts pieces(message);

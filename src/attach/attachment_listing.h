@@ -6,12 +6,12 @@
 #include <mailslice/cstring.h>
 #include <mailslice/part_record.h>
 
-#include <functional>
 #include <string>
 
 #include "attach/attachment_list.h"
 #include "mime/multipart_walker.h"
 #include "mime/piece_text.h"
+#include "platform/function_ref.h"
 
 namespace mailslice::attach {
 
@@ -21,7 +21,7 @@ namespace mailslice::attach {
 // lent (ended in place in a text the library owns, else copied), so a listing never holds a
 // second copy of the whole message. False when the text cannot be walked.
 bool VisitMarkedParts(mime::WalkedText message, const CString& boundary, std::string& repaired,
-                      const std::function<void(const PartRecord&, const mime::Piece&)>& visit);
+                      platform::FunctionRef<void(const PartRecord&, const mime::Piece&)> visit);
 
 // Marks and names the attachments among records 0 .. count - 1 and rebuilds `list` from them
 // (record 0 is looked at even when count is 0). Returns the number of names listed.

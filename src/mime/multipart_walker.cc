@@ -16,6 +16,9 @@
 namespace mailslice::mime {
 namespace {
 
+constexpr size_t kUsualPieceCount = 8;
+constexpr size_t kUsualDelimiterCount = 2;
+
 bool IsNestedMultipart(const CString& contentType) {
   return contentType == u"multipart/mixed" || contentType == u"multipart/alternative";
 }
@@ -32,7 +35,7 @@ class Walk {
         closing_(text_, outer_.needle() + "--"),
         contentTypes_(text_) {}
 
-  int Run(const std::function<bool(const Piece&)>& take) {
+  int Run(platform::FunctionRef<bool(const Piece&)> take) {
     // Cutting starts one character behind the header's end, so a delimiter right at the start
     // of a text without header is passed over.
     const char* position = outer_.Next(text_.data() + GetHeaderLength(text_.data()) + 1);
@@ -76,7 +79,8 @@ class Walk {
 
   // Cuts a nested multipart at its own delimiter; returns the last piece start, from which the
   // walk goes on (null when `take` stopped it).
-  const char* CutNestedPieces(const char* position, const std::function<bool(const Piece&)>& take) {
+  const char* CutNestedPieces(const char* position,
+                              platform::FunctionRef<bool(const Piece&)> take) {
     const char* pieceStart = position + 1;
     for (const char* at = inner_->Next(pieceStart + 1); at != nullptr;
          at = inner_->Next(pieceStart + 1)) {
@@ -114,7 +118,7 @@ bool Store(PartRecord* record, const char* begin, const char* end, const std::st
   return true;
 }
 
-int Replay(const TextMemo::KeptWalk& kept, const std::function<bool(const Piece&)>& take) {
+int Replay(const TextMemo::KeptWalk& kept, platform::FunctionRef<bool(const Piece&)> take) {
   for (const auto& cut : kept.cuts) {
     if (!take(Piece{kept.base + cut.begin, kept.base + cut.end, &kept.delimiters[cut.delimiter]})) {
       return kWalkNotMultipart;
@@ -124,12 +128,15 @@ int Replay(const TextMemo::KeptWalk& kept, const std::function<bool(const Piece&
 }
 
 // Runs the walk, recording its pieces; the record is complete only when nothing stopped it.
-int Recorded(Walk& walk, TextMemo::KeptWalk& kept, const std::function<bool(const Piece&)>& take) {
+int Recorded(Walk& walk, TextMemo::KeptWalk& kept, platform::FunctionRef<bool(const Piece&)> take) {
   struct Recording {
     explicit Recording(TextMemo::KeptWalk& kept) : kept(kept) {
       kept.recording = true;
       kept.cuts.clear();
       kept.delimiters.clear();
+      // A message has a handful of parts, cut at one or two delimiters: room made once.
+      kept.cuts.reserve(kUsualPieceCount);
+      kept.delimiters.reserve(kUsualDelimiterCount);
     }
     ~Recording() { kept.recording = false; }
     TextMemo::KeptWalk& kept;
@@ -159,7 +166,7 @@ int GetHeaderLength(const char* text) {
 }
 
 int WalkMultipart(const char* text, const CString& boundary,
-                  const std::function<bool(const Piece&)>& take) {
+                  platform::FunctionRef<bool(const Piece&)> take) {
   if (text == nullptr) return kWalkNotMultipart;
   try {
     // The loaded message is walked for its body, its attachment list and its saves, each time

@@ -12,8 +12,9 @@
 #include <mailslice/cstring.h>
 #include <mailslice/part_record.h>
 
-#include <functional>
 #include <string>
+
+#include "platform/function_ref.h"
 
 namespace mailslice::mime {
 
@@ -34,7 +35,7 @@ struct Piece {
 // Returns kWalkDone, kWalkNotMultipart when the text holds no delimiter or `take` stopped it,
 // or kWalkNoDelimiterBuffers when the delimiters cannot be built.
 int WalkMultipart(const char* text, const CString& boundary,
-                  const std::function<bool(const Piece&)>& take);
+                  platform::FunctionRef<bool(const Piece&)> take);
 
 // The number of pieces. Counting and cutting are the same walk, so the count always equals the
 // number of records GetMultiPart stores. Returns kWalkDone (also for a text without any

@@ -100,9 +100,13 @@ TextMemo::KeptWalk* TextMemo::KeptWalkOf(const char* text, std::string_view deli
   }
   if (length == kNotMeasured) return nullptr;
   auto offset = static_cast<size_t>(text - g_standing->text_);
-  KeptWalk& kept = g_standing->walks_[{offset, length, std::string(delimiter)}];
-  kept.base = g_standing->text_;
-  return &kept;
+  auto& walks = g_standing->walks_;
+  auto found = walks.find(std::tuple<size_t, size_t, std::string_view>(offset, length, delimiter));
+  if (found == walks.end()) {
+    found = walks.try_emplace(std::tuple(offset, length, std::string(delimiter))).first;
+  }
+  found->second.base = g_standing->text_;
+  return &found->second;
 }
 
 TextMemo* TextMemo::Holding(const char* text) {

@@ -8,6 +8,7 @@
 #define MAILSLICE_MIME_TEXT_MEMO_H
 
 #include <cstddef>
+#include <functional>
 #include <map>
 #include <optional>
 #include <set>
@@ -140,7 +141,8 @@ class TextMemo {
   Answers found_;
   bool piece_ = false;                                   // see KeptByStanding
   std::map<std::pair<size_t, size_t>, Answers> pieces_;  // the standing memo's, by place
-  std::map<std::tuple<size_t, size_t, std::string>, KeptWalk> walks_;  // the standing memo's
+  // The standing memo's, by place and delimiter; looked up without copying the delimiter.
+  std::map<std::tuple<size_t, size_t, std::string>, KeptWalk, std::less<>> walks_;
   std::set<std::string> words_;  // the words of ContainsWord answers kept here
   std::optional<PartWordIndex> index_;
   bool indexTried_ = false;
