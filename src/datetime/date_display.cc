@@ -78,7 +78,10 @@ int NumberAt(std::u16string_view text, int first, int count) {
 // but these fields in the text; any other "%" sequence is kept as written.
 std::u16string ExpandDatePattern(std::u16string_view pattern, const CalendarTime& time,
                                  const CSystemValue& messages) {
+  // Room for the pattern with its fields filled: names and numbers a few characters long.
+  constexpr size_t kFieldRoom = 32;
   std::u16string out;
+  out.reserve(pattern.size() + kFieldRoom);
   for (size_t at = 0; at < pattern.size(); ++at) {
     if (pattern[at] != u'%' || at + 1 == pattern.size()) {
       out += pattern[at];
@@ -157,17 +160,18 @@ CString DisplayTimeOf(const CString& universalTime) {
 
 CString TimeText(double date) {
   CSystemValue messages = EmailMessages();
-  std::u16string format = messages.GetMessageW(kTimeFormatMessage).Str();
+  CString format = messages.GetMessageW(kTimeFormatMessage);
   int clock = LoadTimeFormat();
   auto time = platform::FromOleDate(date);
   if (!time) return CString();
   if (clock == kTwentyFourHourClock) {
-    return CString(platform::FormatIntegers(format, {time->hour, time->minute, time->second}));
+    return CString(
+        platform::FormatIntegers(format.Str(), {time->hour, time->minute, time->second}));
   }
   // Noon is 12 PM and midnight 12 AM.
   bool afternoon = time->hour >= kNoon;
   int shownHour = time->hour % kNoon == 0 ? kNoon : time->hour % kNoon;
-  CString text(platform::FormatIntegers(format, {shownHour, time->minute, time->second}));
+  CString text(platform::FormatIntegers(format.Str(), {shownHour, time->minute, time->second}));
   return MarkedTime(messages, text, afternoon ? kAfternoonMarker : kMorningMarker);
 }
 

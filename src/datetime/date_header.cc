@@ -175,7 +175,14 @@ void ParseDateHeader(const CString& value, DateFields fields) {
 CString JoinDateFields(std::span<const CString, kDateFieldCount> fields) {
   // Each field as "%s" writes it: up to its first NUL.
   auto text = [&](DateField field) { return std::u16string_view(fields[field].GetString()); };
+  constexpr size_t kSeparatorCount = 5;  // "/", "/", " ", ":", ":"
+  size_t length = kSeparatorCount;
+  for (DateField field :
+       {kYearField, kMonthField, kDayField, kHourField, kMinuteField, kSecondField}) {
+    length += text(field).size();
+  }
   std::u16string joined;
+  joined.reserve(length);
   joined.append(text(kYearField)).append(u"/").append(text(kMonthField)).append(u"/");
   joined.append(text(kDayField)).append(u" ").append(text(kHourField)).append(u":");
   joined.append(text(kMinuteField)).append(u":").append(text(kSecondField));

@@ -24,7 +24,11 @@ bool IsNestedMultipart(const CString& contentType) {
 }
 
 std::string Delimiter(const CString& boundary) {
-  return platform::WideToAnsi((u"--" + boundary).Str());
+  // Each walk of the loaded message builds its delimiter again: the wide form is made in room
+  // the thread keeps.
+  thread_local std::u16string wide;
+  wide.assign(u"--").append(boundary.Str());
+  return platform::WideToAnsi(wide);
 }
 
 class Walk {
