@@ -133,6 +133,10 @@ TEST(JapaneseConverterTest, Utf8ToTheDeviceCodePage) {
   auto convert = [](const char* language, const std::string& utf8) {
     ScopedEnv device("MAILSLICE_LANGUAGE", language);
     std::unique_ptr<char, decltype(&std::free)> text(utf82sjs(utf8.c_str()), &std::free);
+    // Header decoding appends the same text to what it has gathered.
+    std::string appended = "kept ";
+    JapaneseConverter().AppendUtf8AsDevice(utf8, appended);
+    EXPECT_EQ(appended, "kept " + std::string(text.get())) << language;
     return std::string(text.get());
   };
   EXPECT_EQ(convert("81", "\xE6\x97\xA5\xE6\x9C\xAC"), "\x93\xFA\x96\x7B");  // 日本 in CP932
