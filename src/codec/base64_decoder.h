@@ -32,7 +32,9 @@ char* DecodeBase64(const char* text, int* length, int* error = nullptr);
 // Decodes Base64 handed over in consecutive blocks (an attachment body read piece by piece).
 // The characters of a group cut by the end of a block stay in the decoder and are completed by
 // the next block, so the caller passes the pieces as they come and re-reads nothing; the bytes
-// of all blocks together are those that DecodeBase64 gives for the whole body.
+// of all blocks together are those that DecodeBase64 counts for the whole body. (For a cut last
+// group DecodeBase64 also writes bytes it does not count, which a reader of its NUL-terminated
+// result sees; the block decoder gives only the counted ones.)
 class Base64BlockDecoder {
  public:
   // Appends the bytes decoded from `block` to `out`. Pass `final` with the last block (it may
