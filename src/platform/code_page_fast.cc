@@ -227,24 +227,42 @@ bool HaveAvx2() {
   return have;
 }
 
+constexpr size_t kWideBlockBytes = 32;
+
+// Widens thirty-two bytes of `in` as ASCII; returns the bits of those beyond ASCII.
+__attribute__((target("avx2"))) inline uint32_t WidenAsAsciiAvx2(const unsigned char* in,
+                                                                 char16_t* out) {
+  __m256i block = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(in));
+  _mm256_storeu_si256(reinterpret_cast<__m256i*>(out),
+                      _mm256_cvtepu8_epi16(_mm256_castsi256_si128(block)));
+  _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + kWideBlockBytes / 2),
+                      _mm256_cvtepu8_epi16(_mm256_extracti128_si256(block, 1)));
+  return static_cast<uint32_t>(_mm256_movemask_epi8(block));
+}
+
 // Widens the bytes of `in` thirty-two at a time as ASCII, then those beyond ASCII among them
-// from `wide`; returns how many it took (whole blocks only).
+// from `wide`; returns how many it took (whole blocks only). Two blocks go in one step: the
+// bytes beyond ASCII are rare in mail.
 __attribute__((target("avx2"))) size_t WidenBlocksAvx2(const unsigned char* in, size_t size,
                                                        char16_t* out,
                                                        const std::array<char16_t, 256>& wide) {
-  constexpr size_t kWideBlockBytes = 32;
   size_t at = 0;
-  for (; size - at >= kWideBlockBytes; at += kWideBlockBytes) {
-    __m256i block = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(in + at));
-    _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + at),
-                        _mm256_cvtepu8_epi16(_mm256_castsi256_si128(block)));
-    _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + at + kWideBlockBytes / 2),
-                        _mm256_cvtepu8_epi16(_mm256_extracti128_si256(block, 1)));
-    for (auto high = static_cast<unsigned>(_mm256_movemask_epi8(block)); high != 0;
-         high &= high - 1) {
-      size_t place = at + static_cast<size_t>(std::countr_zero(high));
+  auto fix = [&](size_t from, uint64_t high) {
+    for (; high != 0; high &= high - 1) {
+      size_t place = from + static_cast<size_t>(std::countr_zero(high));
       out[place] = wide[in[place]];
     }
+  };
+  for (; size - at >= 2 * kWideBlockBytes; at += 2 * kWideBlockBytes) {
+    uint64_t high =
+        WidenAsAsciiAvx2(in + at, out + at) |
+        uint64_t{WidenAsAsciiAvx2(in + at + kWideBlockBytes, out + at + kWideBlockBytes)}
+            << kWideBlockBytes;
+    if (high != 0) fix(at, high);
+  }
+  if (size - at >= kWideBlockBytes) {
+    fix(at, WidenAsAsciiAvx2(in + at, out + at));
+    at += kWideBlockBytes;
   }
   return at;
 }
@@ -282,23 +300,61 @@ class SingleBytePage {
   void EachByteToWide(const unsigned char* in, size_t size, char16_t* out) const {
     size_t at = 0;
 #ifdef MAILSLICE_PLATFORM_AVX2
-    if (HaveAvx2()) at = WidenBlocksAvx2(in, size, out, wide_);
+    if (size >= kWideBlockBytes && HaveAvx2()) at = WidenBlocksAvx2(in, size, out, wide_);
 #endif
 #ifdef __SSE2__
-    const __m128i zero = _mm_setzero_si128();
-    for (; size - at >= kBlockBytes; at += kBlockBytes) {
-      __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + at));
-      _mm_storeu_si128(reinterpret_cast<__m128i*>(out + at), _mm_unpacklo_epi8(block, zero));
-      _mm_storeu_si128(reinterpret_cast<__m128i*>(out + at + kBlockBytes / 2),
-                       _mm_unpackhi_epi8(block, zero));
-      for (auto high = static_cast<unsigned>(_mm_movemask_epi8(block)); high != 0;
-           high &= high - 1) {
-        size_t place = at + static_cast<size_t>(std::countr_zero(high));
-        out[place] = wide_[in[place]];
-      }
+    for (; size - at >= kBlockBytes; at += kBlockBytes) WidenBlock(in + at, out + at);
+    if (at == size) return;
+    // The last bytes go as a block that ends with them, overlapping some already widened (a
+    // short text as two such halves): header values and parameters are mostly short.
+    if (size >= kBlockBytes) return WidenBlock(in + size - kBlockBytes, out + size - kBlockBytes);
+    if (size >= kBlockBytes / 2) {
+      WidenEight(in, out);
+      return WidenEight(in + size - kBlockBytes / 2, out + size - kBlockBytes / 2);
+    }
+    if (size >= kBlockBytes / 4) {
+      WidenFour(in, out);
+      return WidenFour(in + size - kBlockBytes / 4, out + size - kBlockBytes / 4);
     }
 #endif
     for (; at < size; ++at) out[at] = wide_[in[at]];
+  }
+
+#ifdef __SSE2__
+  // Widens sixteen bytes (eight, four) as ASCII, then those beyond ASCII among them from the
+  // table.
+  void WidenBlock(const unsigned char* in, char16_t* out) const {
+    const __m128i zero = _mm_setzero_si128();
+    __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_unpacklo_epi8(block, zero));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out + kBlockBytes / 2),
+                     _mm_unpackhi_epi8(block, zero));
+    FixBeyondAscii(in, static_cast<unsigned>(_mm_movemask_epi8(block)), out);
+  }
+
+  void WidenEight(const unsigned char* in, char16_t* out) const {
+    __m128i block = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(in));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out),
+                     _mm_unpacklo_epi8(block, _mm_setzero_si128()));
+    FixBeyondAscii(in, static_cast<unsigned>(_mm_movemask_epi8(block)) & 0xFFu, out);
+  }
+
+  void WidenFour(const unsigned char* in, char16_t* out) const {
+    uint32_t four = 0;
+    std::memcpy(&four, in, sizeof(four));
+    __m128i block = _mm_cvtsi32_si128(static_cast<int>(four));
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(out),
+                     _mm_unpacklo_epi8(block, _mm_setzero_si128()));
+    FixBeyondAscii(in, static_cast<unsigned>(_mm_movemask_epi8(block)) & 0xFu, out);
+  }
+#endif
+
+  // Puts the units of the bytes beyond ASCII (one bit each in `high`) from the table.
+  void FixBeyondAscii(const unsigned char* in, unsigned high, char16_t* out) const {
+    for (; high != 0; high &= high - 1) {
+      auto place = static_cast<size_t>(std::countr_zero(high));
+      out[place] = wide_[in[place]];
+    }
   }
 
   const std::string& Name() const { return name_; }

@@ -109,6 +109,18 @@ TEST(CodePageFastTest, SingleBytePagesConvertEveryCharacterAsIconvDoes) {
     std::string longText;
     for (int copy = 0; copy < 9; ++copy) longText += all.substr(copy) + all.substr(0, copy);
     ASSERT_EQ(AnsiToWide(longText), MultiByteToWideThroughIconv(kAnsiCodePage, longText)) << page;
+    // Short texts (header values) of every length, bytes beyond ASCII at every place.
+    std::string mixed;
+    for (unsigned k = 0; k < 200; ++k) {
+      mixed += static_cast<char>(k % 3 == 0 ? 0x80 + (k * 7) % 0x80 : 'a' + k % 26);
+    }
+    for (size_t length = 0; length <= 100; ++length) {
+      for (size_t offset = 0; offset < 3; ++offset) {
+        std::string text = mixed.substr(offset, length);
+        ASSERT_EQ(AnsiToWide(text), MultiByteToWideThroughIconv(kAnsiCodePage, text))
+            << page << " " << length;
+      }
+    }
     for (unsigned unit = 1; unit < 0x10000; ++unit) {
       std::u16string text = u"x" + Unit(unit) + u"y";
       ASSERT_EQ(WideToAnsi(text), WideToMultiByteThroughIconv(kAnsiCodePage, text))
