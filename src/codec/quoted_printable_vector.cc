@@ -37,21 +37,35 @@ __attribute__((target("avx2"))) inline __m256i Load(const unsigned char* at) {
 
 __attribute__((target("avx2"))) inline __m256i Every(char byte) { return _mm256_set1_epi8(byte); }
 
-__attribute__((target("avx2"))) inline __m256i InRange(__m256i bytes, char low, char high) {
-  // Signed compares: bytes from 0x80 up read as negative and fall outside every range here.
-  return _mm256_and_si256(_mm256_cmpgt_epi8(bytes, Every(static_cast<char>(low - 1))),
-                          _mm256_cmpgt_epi8(Every(static_cast<char>(high + 1)), bytes));
-}
+// A byte is an upper-case hex digit (the only ones that count, as in the byte-at-a-time
+// decoder) where the classes of its two halves share a bit: "0" to "9" have a high half of 3
+// and a low one up to 9, "A" to "F" a high half of 4 and a low one from 1 to 6.
+constexpr char kDigit = 1, kLetter = 2;
 
-// Only upper-case hex digits count, as in the byte-at-a-time decoder.
-__attribute__((target("avx2"))) inline __m256i HexDigits(__m256i bytes) {
-  return _mm256_or_si256(InRange(bytes, '0', '9'), InRange(bytes, 'A', 'F'));
-}
+struct HexReading {
+  __m256i valid;  // 0xFF for each byte that is a hex digit
+  __m256i value;  // its value (meaningful for digits only)
+};
 
-// The value of each byte read as a hex digit (meaningful for digits only).
-__attribute__((target("avx2"))) inline __m256i DigitValues(__m256i bytes) {
-  __m256i letters = _mm256_cmpgt_epi8(bytes, Every('9'));
-  return _mm256_add_epi8(_mm256_and_si256(bytes, Every(0x0F)), _mm256_and_si256(letters, Every(9)));
+__attribute__((target("avx2"))) inline HexReading ReadHex(__m256i bytes) {
+  const __m256i lowClasses = _mm256_setr_epi8(
+      kDigit, kDigit | kLetter, kDigit | kLetter, kDigit | kLetter, kDigit | kLetter,
+      kDigit | kLetter, kDigit | kLetter, kDigit, kDigit, kDigit, 0, 0, 0, 0, 0, 0, kDigit,
+      kDigit | kLetter, kDigit | kLetter, kDigit | kLetter, kDigit | kLetter, kDigit | kLetter,
+      kDigit | kLetter, kDigit, kDigit, kDigit, 0, 0, 0, 0, 0, 0);
+  const __m256i highClasses =
+      _mm256_setr_epi8(0, 0, 0, kDigit, kLetter, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, kDigit,
+                       kLetter, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0);
+  // A letter's value is its low half and nine.
+  const __m256i highValues = _mm256_setr_epi8(0, 0, 0, 0, 9, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,
+                                              0, 0, 9, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0);
+  const __m256i halfMask = Every(0x0F);
+  __m256i low = _mm256_and_si256(bytes, halfMask);
+  __m256i high = _mm256_and_si256(_mm256_srli_epi16(bytes, 4), halfMask);
+  __m256i shared = _mm256_and_si256(_mm256_shuffle_epi8(lowClasses, low),
+                                    _mm256_shuffle_epi8(highClasses, high));
+  return {_mm256_cmpgt_epi8(shared, _mm256_setzero_si256()),
+          _mm256_add_epi8(low, _mm256_shuffle_epi8(highValues, high))};
 }
 
 // Writes the kept bytes among eight of `bytes` (one bit each in `kept`) at `out`, in order, as
@@ -91,7 +105,8 @@ __attribute__((target("avx2,popcnt"))) DecodedBlocks DecodeAvx2(const unsigned c
       continue;
     }
     __m256i next = Load(at + 1), afterNext = Load(at + 2);
-    __m256i hex = _mm256_and_si256(equals, _mm256_and_si256(HexDigits(next), HexDigits(afterNext)));
+    HexReading high = ReadHex(next), low = ReadHex(afterNext);
+    __m256i hex = _mm256_and_si256(equals, _mm256_and_si256(high.valid, low.valid));
     __m256i soft =
         _mm256_and_si256(equals, _mm256_and_si256(_mm256_cmpeq_epi8(next, Every('\r')),
                                                   _mm256_cmpeq_epi8(afterNext, Every('\n'))));
@@ -102,8 +117,8 @@ __attribute__((target("avx2,popcnt"))) DecodedBlocks DecodeAvx2(const unsigned c
     // A hex escape becomes its byte where its "=" stood, and its digits go; a soft line break
     // goes whole. An escape at the block's last two places takes bytes of the next block.
     __m256i values = _mm256_or_si256(
-        _mm256_and_si256(_mm256_slli_epi16(DigitValues(next), 4), Every(static_cast<char>(0xF0))),
-        DigitValues(afterNext));
+        _mm256_and_si256(_mm256_slli_epi16(high.value, 4), Every(static_cast<char>(0xF0))),
+        low.value);
     __m256i decoded = _mm256_blendv_epi8(block, values, hex);
     uint64_t dropped =
         hexEscapes << 1 | hexEscapes << 2 | softBreaks | softBreaks << 1 | softBreaks << 2;

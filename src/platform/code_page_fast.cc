@@ -45,6 +45,13 @@ constexpr size_t kUnitsPerBlock = 8;
 constexpr size_t kPieceUnits = 512;
 // UTF-8 writes the units below this one in two bytes (or one).
 constexpr char16_t kFirstThreeByteUnit = 0x800;
+// The way of a character through a single-byte page, in one word: the unit it shows as in the
+// low half, the byte that narrows to above it, then what ends or spoils the way.
+constexpr unsigned kWayByteShift = 16;
+constexpr uint32_t kWayStops = 1u << 24;        // not converted exactly: the decoding ends there
+constexpr uint32_t kWayNotNarrowed = 1u << 25;  // the shown unit does not narrow to one byte
+constexpr uint32_t kWayNotReadBack = 1u << 26;  // its byte does not read back as the shown unit
+constexpr uint32_t kWayNotAsked = 1u << 27;
 constexpr size_t kTwoBytes = 2;
 
 bool IsContinuation(unsigned char byte) { return (byte & 0xC0) == 0x80; }
@@ -53,8 +60,6 @@ bool IsSurrogate(char32_t unit) { return unit >= 0xD800 && unit <= 0xDFFF; }
 // Widens a run of ASCII bytes; returns how many it took. With SSE2, sixteen bytes at a time:
 // the block that holds the first other byte is widened whole, which the caller's room for
 // `size` units allows, and only its ASCII start counts.
-// With `kStopAtNul`, a NUL byte ends the run too.
-template <bool kStopAtNul = false>
 [[gnu::always_inline]] inline size_t WidenAscii(const unsigned char* in, size_t size,
                                                 char16_t* out) {
   size_t done = 0;
@@ -66,32 +71,14 @@ template <bool kStopAtNul = false>
     _mm_storeu_si128(reinterpret_cast<__m128i*>(out + done + kBlockBytes / 2),
                      _mm_unpackhi_epi8(block, zero));
     auto high = static_cast<unsigned>(_mm_movemask_epi8(block));
-    if (kStopAtNul) high |= static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(block, zero)));
     if (high != 0) return done + static_cast<size_t>(std::countr_zero(high));
     done += kBlockBytes;
   }
 #endif
-  while (done < size && in[done] < 0x80 && !(kStopAtNul && in[done] == 0)) {
+  while (done < size && in[done] < 0x80) {
     out[done] = in[done];
     ++done;
   }
-  return done;
-}
-
-// The length of the run of ASCII bytes other than NUL at `in` (sixteen at a time as above).
-size_t AsciiRunWithoutNul(const unsigned char* in, size_t size) {
-  size_t done = 0;
-#ifdef __SSE2__
-  const __m128i zero = _mm_setzero_si128();
-  while (size - done >= kBlockBytes) {
-    __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + done));
-    auto other = static_cast<unsigned>(_mm_movemask_epi8(block)) |
-                 static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(block, zero)));
-    if (other != 0) return done + static_cast<size_t>(std::countr_zero(other));
-    done += kBlockBytes;
-  }
-#endif
-  while (done < size && in[done] < 0x80 && in[done] != 0) ++done;
   return done;
 }
 
@@ -158,18 +145,12 @@ unsigned OtherThanAsciiBits(const char16_t* units) {
   return 0;
 }
 
-struct NoNarrowing {};
-
 // Well-formed UTF-8 of the Basic Multilingual Plane, surrogates excepted; anything else
-// (malformed bytes, a character beyond the plane) is left to iconv. Each other unit than ASCII
-// goes through `map` (which may refuse it, ending the decoding before its bytes); with
-// `kStopAtNul` a NUL byte ends it too. The units are gathered in a small buffer handed to
-// `flush`, so a large result is written once, not cleared first. Returns the bytes decoded.
-// Given a `narrow`, it is told of each run of ASCII (Run) and each other unit as mapped (Unit)
-// as they are decoded.
-template <bool kStopAtNul, typename Map, typename Flush, typename Narrow = NoNarrowing>
-size_t DecodeUtf8InBlocks(std::string_view bytes, Map map, Flush flush, Narrow* narrow = nullptr) {
-  constexpr bool kNarrowing = !std::is_same_v<Narrow, NoNarrowing>;
+// (malformed bytes, a character beyond the plane) is left to iconv. The units are gathered in a
+// small buffer handed to `flush`, so a large result is written once, not cleared first. Returns
+// the bytes decoded.
+template <typename Flush>
+size_t DecodeUtf8InBlocks(std::string_view bytes, Flush flush) {
   constexpr size_t kBufferUnits = 4096;
   char16_t buffer[kBufferUnits];
   const auto* in = reinterpret_cast<const unsigned char*>(bytes.data());
@@ -178,21 +159,17 @@ size_t DecodeUtf8InBlocks(std::string_view bytes, Map map, Flush flush, Narrow* 
   while (at < size && !stopped) {
     size_t filled = 0;
     while (at < size && filled < kBufferUnits) {
-      size_t ascii = WidenAscii<kStopAtNul>(in + at, std::min(size - at, kBufferUnits - filled),
-                                            buffer + filled);
-      if constexpr (kNarrowing) narrow->Run(in + at, ascii);
+      size_t ascii =
+          WidenAscii(in + at, std::min(size - at, kBufferUnits - filled), buffer + filled);
       at += ascii;
       filled += ascii;
       if (at == size || filled == kBufferUnits) continue;
-      char16_t unit = 0;
-      size_t taken = in[at] < 0x80 ? 0 : DecodeMultiByte(in + at, size - at, &unit);
-      std::optional<char16_t> mapped = taken != 0 ? map(unit) : std::nullopt;
-      if (!mapped) {
+      size_t taken = DecodeMultiByte(in + at, size - at, buffer + filled);
+      if (taken == 0) {
         stopped = true;
         break;
       }
-      if constexpr (kNarrowing) narrow->Unit(*mapped);
-      buffer[filled++] = *mapped;
+      ++filled;
       at += taken;
     }
     flush(buffer, filled);
@@ -202,9 +179,8 @@ size_t DecodeUtf8InBlocks(std::string_view bytes, Map map, Flush flush, Narrow* 
 
 size_t Utf8Prefix(std::string_view bytes, std::u16string& wide) {
   wide.reserve(wide.size() + bytes.size());
-  return DecodeUtf8InBlocks<false>(
-      bytes, [](char16_t unit) { return std::optional<char16_t>(unit); },
-      [&](const char16_t* units, size_t count) { wide.append(units, count); });
+  return DecodeUtf8InBlocks(
+      bytes, [&](const char16_t* units, size_t count) { wide.append(units, count); });
 }
 
 // Writes UTF-16 as UTF-8 up to the first unpaired surrogate, which iconv is left to refuse;
@@ -251,24 +227,42 @@ bool HaveAvx2() {
   return have;
 }
 
+constexpr size_t kWideBlockBytes = 32;
+
+// Widens thirty-two bytes of `in` as ASCII; returns the bits of those beyond ASCII.
+__attribute__((target("avx2"))) inline uint32_t WidenAsAsciiAvx2(const unsigned char* in,
+                                                                 char16_t* out) {
+  __m256i block = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(in));
+  _mm256_storeu_si256(reinterpret_cast<__m256i*>(out),
+                      _mm256_cvtepu8_epi16(_mm256_castsi256_si128(block)));
+  _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + kWideBlockBytes / 2),
+                      _mm256_cvtepu8_epi16(_mm256_extracti128_si256(block, 1)));
+  return static_cast<uint32_t>(_mm256_movemask_epi8(block));
+}
+
 // Widens the bytes of `in` thirty-two at a time as ASCII, then those beyond ASCII among them
-// from `wide`; returns how many it took (whole blocks only).
+// from `wide`; returns how many it took (whole blocks only). Two blocks go in one step: the
+// bytes beyond ASCII are rare in mail.
 __attribute__((target("avx2"))) size_t WidenBlocksAvx2(const unsigned char* in, size_t size,
                                                        char16_t* out,
                                                        const std::array<char16_t, 256>& wide) {
-  constexpr size_t kWideBlockBytes = 32;
   size_t at = 0;
-  for (; size - at >= kWideBlockBytes; at += kWideBlockBytes) {
-    __m256i block = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(in + at));
-    _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + at),
-                        _mm256_cvtepu8_epi16(_mm256_castsi256_si128(block)));
-    _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + at + kWideBlockBytes / 2),
-                        _mm256_cvtepu8_epi16(_mm256_extracti128_si256(block, 1)));
-    for (auto high = static_cast<unsigned>(_mm256_movemask_epi8(block)); high != 0;
-         high &= high - 1) {
-      size_t place = at + static_cast<size_t>(std::countr_zero(high));
+  auto fix = [&](size_t from, uint64_t high) {
+    for (; high != 0; high &= high - 1) {
+      size_t place = from + static_cast<size_t>(std::countr_zero(high));
       out[place] = wide[in[place]];
     }
+  };
+  for (; size - at >= 2 * kWideBlockBytes; at += 2 * kWideBlockBytes) {
+    uint64_t high =
+        WidenAsAsciiAvx2(in + at, out + at) |
+        uint64_t{WidenAsAsciiAvx2(in + at + kWideBlockBytes, out + at + kWideBlockBytes)}
+            << kWideBlockBytes;
+    if (high != 0) fix(at, high);
+  }
+  if (size - at >= kWideBlockBytes) {
+    fix(at, WidenAsAsciiAvx2(in + at, out + at));
+    at += kWideBlockBytes;
   }
   return at;
 }
@@ -306,23 +300,61 @@ class SingleBytePage {
   void EachByteToWide(const unsigned char* in, size_t size, char16_t* out) const {
     size_t at = 0;
 #ifdef MAILSLICE_PLATFORM_AVX2
-    if (HaveAvx2()) at = WidenBlocksAvx2(in, size, out, wide_);
+    if (size >= kWideBlockBytes && HaveAvx2()) at = WidenBlocksAvx2(in, size, out, wide_);
 #endif
 #ifdef __SSE2__
-    const __m128i zero = _mm_setzero_si128();
-    for (; size - at >= kBlockBytes; at += kBlockBytes) {
-      __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + at));
-      _mm_storeu_si128(reinterpret_cast<__m128i*>(out + at), _mm_unpacklo_epi8(block, zero));
-      _mm_storeu_si128(reinterpret_cast<__m128i*>(out + at + kBlockBytes / 2),
-                       _mm_unpackhi_epi8(block, zero));
-      for (auto high = static_cast<unsigned>(_mm_movemask_epi8(block)); high != 0;
-           high &= high - 1) {
-        size_t place = at + static_cast<size_t>(std::countr_zero(high));
-        out[place] = wide_[in[place]];
-      }
+    for (; size - at >= kBlockBytes; at += kBlockBytes) WidenBlock(in + at, out + at);
+    if (at == size) return;
+    // The last bytes go as a block that ends with them, overlapping some already widened (a
+    // short text as two such halves): header values and parameters are mostly short.
+    if (size >= kBlockBytes) return WidenBlock(in + size - kBlockBytes, out + size - kBlockBytes);
+    if (size >= kBlockBytes / 2) {
+      WidenEight(in, out);
+      return WidenEight(in + size - kBlockBytes / 2, out + size - kBlockBytes / 2);
+    }
+    if (size >= kBlockBytes / 4) {
+      WidenFour(in, out);
+      return WidenFour(in + size - kBlockBytes / 4, out + size - kBlockBytes / 4);
     }
 #endif
     for (; at < size; ++at) out[at] = wide_[in[at]];
+  }
+
+#ifdef __SSE2__
+  // Widens sixteen bytes (eight, four) as ASCII, then those beyond ASCII among them from the
+  // table.
+  void WidenBlock(const unsigned char* in, char16_t* out) const {
+    const __m128i zero = _mm_setzero_si128();
+    __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_unpacklo_epi8(block, zero));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out + kBlockBytes / 2),
+                     _mm_unpackhi_epi8(block, zero));
+    FixBeyondAscii(in, static_cast<unsigned>(_mm_movemask_epi8(block)), out);
+  }
+
+  void WidenEight(const unsigned char* in, char16_t* out) const {
+    __m128i block = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(in));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out),
+                     _mm_unpacklo_epi8(block, _mm_setzero_si128()));
+    FixBeyondAscii(in, static_cast<unsigned>(_mm_movemask_epi8(block)) & 0xFFu, out);
+  }
+
+  void WidenFour(const unsigned char* in, char16_t* out) const {
+    uint32_t four = 0;
+    std::memcpy(&four, in, sizeof(four));
+    __m128i block = _mm_cvtsi32_si128(static_cast<int>(four));
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(out),
+                     _mm_unpacklo_epi8(block, _mm_setzero_si128()));
+    FixBeyondAscii(in, static_cast<unsigned>(_mm_movemask_epi8(block)) & 0xFu, out);
+  }
+#endif
+
+  // Puts the units of the bytes beyond ASCII (one bit each in `high`) from the table.
+  void FixBeyondAscii(const unsigned char* in, unsigned high, char16_t* out) const {
+    for (; high != 0; high &= high - 1) {
+      auto place = static_cast<size_t>(std::countr_zero(high));
+      out[place] = wide_[in[place]];
+    }
   }
 
   const std::string& Name() const { return name_; }
@@ -424,28 +456,24 @@ class SingleBytePage {
 
   bool AsciiBothWays() const { return asciiBothWays_; }
 
-  // The byte `shown` narrows to, when that byte reads back as `shown` itself.
-  std::optional<char> ReadBackByte(char16_t shown) {
-    std::optional<char> byte = Narrowed(shown, true);
-    if (!byte) return std::nullopt;
+  // What a UTF-8 character of unit `unit` becomes on its way through the page (see the kWay
+  // constants): the unit it shows as, the byte that narrows to (stopping at the first unit the
+  // page cannot hold), and whether that byte reads back as the shown unit.
+  uint32_t WayOf(char16_t unit, bool untilFailure) {
+    std::optional<char16_t> shown = ShownAs(unit, untilFailure);
+    if (!shown) return kWayStops;
+    uint32_t way = *shown;
+    std::optional<char> byte = Narrowed(*shown, true);
+    if (!byte) return way | kWayNotNarrowed | kWayNotReadBack;
     auto index = static_cast<unsigned char>(*byte);
-    return single_[index] && wide_[index] == shown ? byte : std::nullopt;
+    way |= static_cast<uint32_t>(index) << kWayByteShift;
+    return single_[index] && wide_[index] == *shown ? way : way | kWayNotReadBack;
   }
 
-  // The page byte of a unit of two UTF-8 bytes (below U+0800: the accented letters of Europe,
-  // Greek, Cyrillic): the byte its shown unit narrows to and reads back from, as FastUtf8ToPage
-  // asks. Kept in a small table, which stays in the processor's nearest cache where the large
-  // ones do not.
-  std::optional<char> PageByteOfTwoByteUnit(char16_t unit, bool untilFailure) {
-    uint16_t& known = twoBytePage_[untilFailure ? 1 : 0][unit];
-    if (known == kNotAsked) {
-      std::optional<char16_t> shown = ShownAs(unit, untilFailure);
-      std::optional<char> byte = shown ? ReadBackByte(*shown) : std::nullopt;
-      known = byte ? static_cast<unsigned char>(*byte) : kNotSingleByte;
-    }
-    if (known == kNotSingleByte) return std::nullopt;
-    return static_cast<char>(known);
-  }
+  // The ways of the units of two UTF-8 bytes (below U+0800: the accented letters of Europe,
+  // Greek, Cyrillic), filled as they are met (kWayNotAsked until then). Small enough to stay in
+  // the processor's nearest cache, where the large tables do not.
+  uint32_t* TwoByteWays(bool untilFailure) { return twoByteWays_[untilFailure ? 1 : 0].data(); }
 
   // What `unit` shows as, noted in the table when it is a plain mapping; nothing when the
   // fast path cannot tell (or, setting `cut`, when it narrows to NUL).
@@ -487,36 +515,157 @@ class SingleBytePage {
   // first unit the page cannot hold), filled as units are met.
   std::vector<char16_t> shown_[2] = {std::vector<char16_t>(0x10000, kLookCloser),
                                      std::vector<char16_t>(0x10000, kLookCloser)};
-  std::array<std::array<uint16_t, kFirstThreeByteUnit>, 2> twoBytePage_ = [] {
-    std::array<std::array<uint16_t, kFirstThreeByteUnit>, 2> table;
-    for (auto& half : table) half.fill(kNotAsked);
+  std::array<std::array<uint32_t, kFirstThreeByteUnit>, 2> twoByteWays_ = [] {
+    std::array<std::array<uint32_t, kFirstThreeByteUnit>, 2> table;
+    for (auto& half : table) half.fill(kWayNotAsked);
     return table;
   }();
 };
 
 namespace {
 
-// Writes what the units of a UTF-8 text narrow to, as WideToMultiByteUntilFailure narrows them,
-// while the text is decoded: ASCII stays itself. The narrowing stops at the first unit it
-// cannot narrow (the bytes are given up there, while the decoding goes on). Each byte is
-// written once its unit is read, and no further on than that unit's bytes.
-struct PageWriter {
-  SingleBytePage& page;
-  char* out;
-  size_t written = 0;
-  bool whole = true;
+// UTF-8 decoded through a single-byte page, as FastUtf8ThroughPage and FastUtf8ToPage read it:
+// up to the end, a NUL, a character it cannot convert exactly, or (with kStopUnlessReadBack)
+// one whose byte does not read back as its shown unit. The shown units (with kShown) and their
+// bytes (with kBytes) are gathered in small buffers, ASCII sixteen bytes at a time and the
+// letters of two bytes from the page's small table, and handed on a piece at a time.
+template <bool kShown, bool kBytes, bool kStopUnlessReadBack>
+class ThroughPageWalk {
+ public:
+  ThroughPageWalk(SingleBytePage& page, bool untilFailure)
+      : page_(page), untilFailure_(untilFailure), ways_(page.TwoByteWays(untilFailure)) {}
 
-  void Run(const unsigned char* ascii, size_t count) {
-    if (whole) std::memmove(out + written, ascii, count);
-    written += count;
+  // Decodes `utf8`, appending the shown units to `shown` and writing the bytes at `page` (which
+  // may lie on utf8 or before it: a piece is written only once the bytes behind it are read).
+  // Returns the bytes taken; `units` is set to the units (and bytes) given.
+  size_t Run(std::string_view utf8, std::u16string* shown, char* page, size_t& units) {
+    const auto* in = reinterpret_cast<const unsigned char*>(utf8.data());
+    size_t size = utf8.size(), at = 0;
+    units = 0;
+    bool stopped = false;
+    while (at < size && !stopped) {
+      size_t filled = 0;
+      stopped = !FillPiece(in, size, at, filled);
+      if constexpr (kShown) shown->append(shownPiece_, filled);
+      if constexpr (kBytes) {
+        if (AllNarrowed()) std::memmove(page + units, bytePiece_, filled);
+      }
+      units += filled;
+    }
+    return at;
   }
 
-  void Unit(char16_t unit) {
-    std::optional<char> byte = page.Narrowed(unit, true);
-    whole = whole && byte.has_value();
-    if (whole) out[written] = *byte;
-    ++written;
+  // Whether every unit given narrowed to its byte.
+  bool AllNarrowed() const { return (seen_ & kWayNotNarrowed) == 0; }
+
+ private:
+  static constexpr size_t kPiece = 4096;
+  static constexpr uint32_t kStop = kWayStops | (kStopUnlessReadBack ? kWayNotReadBack : 0);
+
+  // Decodes a piece into the buffers; false where the decoding ends before `size`. The piece
+  // ends once kPiece bytes are read: no byte gives more than one unit, so the buffers hold it.
+  bool FillPiece(const unsigned char* in, size_t size, size_t& at, size_t& filled) {
+    size_t end = std::min(size, at + kPiece);
+    // Kept in locals: the bytes written could otherwise alias them.
+    const uint32_t* ways = ways_;
+    uint32_t seen = 0;
+    bool going = true;
+    while (going && TakeAscii(in, end, at, filled)) {
+      // Letters beyond ASCII often come several in a row (a word of Cyrillic or Greek).
+      do {
+        going = TakeCharacter(in, size, ways, at, filled, seen);
+      } while (going && at < end && in[at] >= 0x80);
+    }
+    seen_ |= seen;
+    return going;
   }
+
+  // Takes the character other than ASCII at `at`; false at a NUL or where the decoding ends.
+  [[gnu::always_inline]] bool TakeCharacter(const unsigned char* in, size_t size,
+                                            const uint32_t* ways, size_t& at, size_t& filled,
+                                            uint32_t& seen) {
+    unsigned lead = in[at];
+    // Two bytes: the overlong leads C0 and C1 give the units below U+0080, which stop.
+    if ((lead & 0xE0u) == 0xC0u && at + 1 < size && IsContinuation(in[at + 1])) {
+      uint32_t way = ways[(lead & 0x1Fu) << 6 | (in[at + 1] & 0x3Fu)];
+      if ((way & (kStop | kWayNotAsked)) != 0) [[unlikely]] {
+        way = AskTwoByte(in + at);
+        if ((way & kStop) != 0) return false;
+      }
+      Put(way, filled, seen);
+      at += kTwoBytes;
+      return true;
+    }
+    char16_t unit = 0;
+    size_t taken = DecodeMultiByte(in + at, size - at, &unit);
+    if (taken == 0) return false;  // a NUL, or a character left to iconv
+    uint32_t way = page_.WayOf(unit, untilFailure_);
+    if ((way & kStop) != 0) return false;
+    Put(way, filled, seen);
+    at += taken;
+    return true;
+  }
+
+  [[gnu::always_inline]] void Put(uint32_t way, size_t& filled, uint32_t& seen) {
+    seen |= way;
+    if constexpr (kShown) shownPiece_[filled] = static_cast<char16_t>(way);
+    if constexpr (kBytes) bytePiece_[filled] = static_cast<char>(way >> kWayByteShift);
+    ++filled;
+  }
+
+  // Takes the run of ASCII other than NUL at `at`, up to `end`; whether a NUL or a byte beyond
+  // ASCII follows it before `end`.
+  [[gnu::always_inline]] bool TakeAscii(const unsigned char* in, size_t end, size_t& at,
+                                        size_t& filled) {
+#ifdef __SSE2__
+    const __m128i zero = _mm_setzero_si128();
+    while (at + kBlockBytes <= end) {
+      __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + at));
+      if constexpr (kShown) {
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(shownPiece_ + filled),
+                         _mm_unpacklo_epi8(block, zero));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(shownPiece_ + filled + kBlockBytes / 2),
+                         _mm_unpackhi_epi8(block, zero));
+      }
+      if constexpr (kBytes) {
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(bytePiece_ + filled), block);
+      }
+      auto other = static_cast<unsigned>(_mm_movemask_epi8(block)) |
+                   static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(block, zero)));
+      if (other != 0) {
+        auto ascii = static_cast<size_t>(std::countr_zero(other));
+        at += ascii;
+        filled += ascii;
+        return true;
+      }
+      at += kBlockBytes;
+      filled += kBlockBytes;
+    }
+#endif
+    // The last bytes, fewer than a block.
+    while (at < end && in[at] != 0 && in[at] < 0x80) {
+      if constexpr (kShown) shownPiece_[filled] = in[at];
+      if constexpr (kBytes) bytePiece_[filled] = static_cast<char>(in[at]);
+      ++at;
+      ++filled;
+    }
+    return at < end;
+  }
+
+  // The way of the two bytes at `in`, asked of the page the first time they are met.
+  [[gnu::noinline]] uint32_t AskTwoByte(const unsigned char* in) {
+    auto unit = static_cast<char16_t>((in[0] & 0x1Fu) << 6 | (in[1] & 0x3Fu));
+    uint32_t& way = ways_[unit];
+    if ((way & kWayNotAsked) != 0) way = unit < 0x80 ? kWayStops : page_.WayOf(unit, untilFailure_);
+    return way;
+  }
+
+  SingleBytePage& page_;
+  bool untilFailure_;
+  uint32_t* ways_;
+  uint32_t seen_ = 0;
+  std::conditional_t<kShown, char16_t[kPiece], char16_t[1]> shownPiece_;
+  std::conditional_t<kBytes, char[kPiece], char[1]> bytePiece_;
 };
 
 bool IsSingleBytePage(const std::string& name) {
@@ -569,30 +718,8 @@ size_t FastUtf8ToPage(const std::string& iconvName, std::string_view utf8, bool 
   if (!IsSingleBytePage(iconvName)) return 0;
   SingleBytePage& table = PageFor(iconvName, exact);
   if (!table.AsciiBothWays()) return 0;
-  const auto* in = reinterpret_cast<const unsigned char*>(utf8.data());
-  size_t at = 0, out = 0;
-  while (at < utf8.size()) {
-    // ASCII is its own byte; the run is moved down over what was read (page may lie on utf8).
-    size_t ascii = AsciiRunWithoutNul(in + at, utf8.size() - at);
-    std::memmove(page + out, in + at, ascii);
-    at += ascii;
-    out += ascii;
-    if (at == utf8.size() || in[at] < 0x80) break;  // the end, or a NUL
-    char16_t unit = 0;
-    size_t taken = DecodeMultiByte(in + at, utf8.size() - at, &unit);
-    std::optional<char> byte;
-    if (taken == kTwoBytes) {
-      byte = table.PageByteOfTwoByteUnit(unit, untilFailure);
-    } else if (taken != 0) {
-      std::optional<char16_t> shown = table.ShownAs(unit, untilFailure);
-      if (shown) byte = table.ReadBackByte(*shown);
-    }
-    if (!byte) break;
-    page[out++] = *byte;
-    at += taken;
-  }
-  *written = out;
-  return at;
+  ThroughPageWalk<false, true, true> walk(table, untilFailure);
+  return walk.Run(utf8, nullptr, page, *written);
 }
 
 size_t FastRoundTrip(const std::string& iconvName, std::u16string& text, bool untilFailure,
@@ -610,15 +737,14 @@ size_t FastUtf8ThroughPage(const std::string& iconvName, std::string_view utf8, 
   SingleBytePage& page = PageFor(iconvName, exact);
   if (!page.AsciiBothWays()) return 0;
   ReserveLarge(shown, shown.size() + utf8.size());
-  auto map = [&](char16_t unit) { return page.ShownAs(unit, untilFailure); };
+  size_t units = 0;
   if (narrowed == nullptr) {
-    return DecodeUtf8InBlocks<true>(
-        utf8, map, [&](const char16_t* units, size_t count) { shown.append(units, count); });
+    ThroughPageWalk<true, false, false> walk(page, untilFailure);
+    return walk.Run(utf8, &shown, nullptr, units);
   }
-  PageWriter writer{page, narrowed};
-  size_t taken = DecodeUtf8InBlocks<true>(
-      utf8, map, [&](const char16_t* units, size_t count) { shown.append(units, count); }, &writer);
-  *narrowedCount = writer.whole ? writer.written : std::string::npos;
+  ThroughPageWalk<true, true, false> walk(page, untilFailure);
+  size_t taken = walk.Run(utf8, &shown, narrowed, units);
+  *narrowedCount = walk.AllNarrowed() ? units : std::string::npos;
   return taken;
 }
 

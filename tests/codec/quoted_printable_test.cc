@@ -93,6 +93,19 @@ TEST(QuotedPrintableTest, UnderscoresBecomeSpacesOnlyUncountedAndUnderLanguage33
   EXPECT_EQ(Decode("a_b").Text(), "a_b");
 }
 
+// Every pair of bytes after an "=", inside text long enough for the block decoder and next to
+// an escape it takes: only upper-case hex digits make an escape.
+TEST(QuotedPrintableTest, EveryPairAfterAnEqualsSignReadsAsTheLiteralReading) {
+  const std::string before(40, 'a'), after = "=C3=A9" + std::string(40, 'b');
+  for (unsigned first = 1; first < 256; ++first) {
+    for (unsigned second = 1; second < 256; ++second) {
+      std::string text =
+          before + "=" + static_cast<char>(first) + static_cast<char>(second) + after;
+      ASSERT_EQ(Decode(text, true), ReferenceDecode(text, true, 1)) << first << " " << second;
+    }
+  }
+}
+
 TEST(QuotedPrintableTest, MatchesTheLiteralReadingOnGeneratedInput) {
   const char* pieces[] = {"=",
                           "=\r\n",

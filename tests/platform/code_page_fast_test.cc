@@ -109,6 +109,18 @@ TEST(CodePageFastTest, SingleBytePagesConvertEveryCharacterAsIconvDoes) {
     std::string longText;
     for (int copy = 0; copy < 9; ++copy) longText += all.substr(copy) + all.substr(0, copy);
     ASSERT_EQ(AnsiToWide(longText), MultiByteToWideThroughIconv(kAnsiCodePage, longText)) << page;
+    // Short texts (header values) of every length, bytes beyond ASCII at every place.
+    std::string mixed;
+    for (unsigned k = 0; k < 200; ++k) {
+      mixed += static_cast<char>(k % 3 == 0 ? 0x80 + (k * 7) % 0x80 : 'a' + k % 26);
+    }
+    for (size_t length = 0; length <= 100; ++length) {
+      for (size_t offset = 0; offset < 3; ++offset) {
+        std::string text = mixed.substr(offset, length);
+        ASSERT_EQ(AnsiToWide(text), MultiByteToWideThroughIconv(kAnsiCodePage, text))
+            << page << " " << length;
+      }
+    }
     for (unsigned unit = 1; unit < 0x10000; ++unit) {
       std::u16string text = u"x" + Unit(unit) + u"y";
       ASSERT_EQ(WideToAnsi(text), WideToMultiByteThroughIconv(kAnsiCodePage, text))
@@ -192,8 +204,41 @@ TEST(CodePageFastTest, Utf8ThroughTheDevicePageMatchesTheStepsOneByOne) {
   }
 }
 
-// The narrowed page that comes out of the same pass is the shown text narrowed as the HTML
-// reader narrows it, whenever the pass gives one.
+// Checks the passes that read UTF-8 through the device page against the conversions one by
+// one: the shown text; the narrowed page that comes out of the same pass, which is the shown text
+// narrowed as the HTML reader narrows it whenever the pass gives one (counted in
+// `narrowedInPass`); and the page alone, whose text read back and the rest read on make the
+// whole text (counted in `wholePages` when it takes the whole text).
+void CheckPassesThroughThePage(const std::string& text, bool untilFailure, int& narrowedInPass,
+                               int& wholePages) {
+  std::u16string steps =
+      ThroughAnsiInTwoSteps(MultiByteToWideThroughIconv(kUtf8CodePage, text), untilFailure);
+  ASSERT_EQ(Utf8ThroughAnsi(text, untilFailure), steps);
+  // Written into a buffer of its own, and over the UTF-8 text itself.
+  std::string room(text.size(), 'z'), over = text;
+  std::u16string shown, shownOver;
+  size_t count = Utf8ThroughAnsi(text, untilFailure, shown, room.data());
+  size_t countOver = Utf8ThroughAnsi(over, untilFailure, shownOver, over.data());
+  ASSERT_EQ(shown, steps);
+  ASSERT_EQ(shownOver, steps);
+  ASSERT_EQ(countOver, count);
+  if (count != std::string::npos) {
+    ++narrowedInPass;
+    std::string narrowed = WideToMultiByteUntilFailureThroughIconv(shown);
+    ASSERT_EQ(room.substr(0, count), narrowed);
+    ASSERT_EQ(over.substr(0, count), narrowed);
+  }
+  std::string alone = text;
+  size_t written = 0;
+  size_t taken = Utf8ThroughAnsiPage(alone, untilFailure, alone.data(), &written);
+  std::string bytes = alone.substr(0, written);
+  std::u16string start = Utf8ThroughAnsi(text.substr(0, taken), untilFailure);
+  ASSERT_EQ(AnsiToWide(bytes), start);
+  ASSERT_EQ(bytes, WideToMultiByteUntilFailureThroughIconv(start));
+  ASSERT_EQ(start + Utf8ThroughAnsi(text.substr(taken), untilFailure), steps);
+  if (taken == text.size()) ++wholePages;
+}
+
 TEST(CodePageFastTest, Utf8ThroughTheDevicePageNarrowsAsTheNarrowingAfterIt) {
   std::mt19937 random(1999);
   const std::string pieces[] = {
@@ -209,38 +254,53 @@ TEST(CodePageFastTest, Utf8ThroughTheDevicePageNarrowsAsTheNarrowingAfterIt) {
         text += pieces[random() % 64 == 0 ? random() % std::size(pieces) : random() % 3];
       }
       for (bool untilFailure : {false, true}) {
-        // Written into a buffer of its own, and over the UTF-8 text itself.
-        std::string room(text.size(), 'z'), over = text;
-        std::u16string shown, shownOver;
-        size_t count = Utf8ThroughAnsi(text, untilFailure, shown, room.data());
-        size_t countOver = Utf8ThroughAnsi(over, untilFailure, shownOver, over.data());
-        ASSERT_EQ(shown, Utf8ThroughAnsi(text, untilFailure)) << page << " " << round;
-        ASSERT_EQ(shownOver, shown);
-        ASSERT_EQ(countOver, count);
-        if (count == std::string::npos) continue;
-        ++narrowedInPass;
-        std::string narrowed = WideToMultiByteUntilFailureThroughIconv(shown);
-        ASSERT_EQ(room.substr(0, count), narrowed) << page << " " << round;
-        ASSERT_EQ(over.substr(0, count), narrowed);
-      }
-      // The page alone: the text read back from it and the rest read on make the whole text.
-      for (bool untilFailure : {false, true}) {
-        std::string alone = text;
-        size_t written = 0;
-        size_t taken = Utf8ThroughAnsiPage(alone, untilFailure, alone.data(), &written);
-        std::string bytes = alone.substr(0, written);
-        std::u16string start = Utf8ThroughAnsi(text.substr(0, taken), untilFailure);
-        ASSERT_EQ(AnsiToWide(bytes), start) << page << " " << round;
-        ASSERT_EQ(bytes, WideToMultiByteUntilFailureThroughIconv(start)) << page << " " << round;
-        ASSERT_EQ(start + Utf8ThroughAnsi(text.substr(taken), untilFailure),
-                  Utf8ThroughAnsi(text, untilFailure));
-        if (taken == text.size()) ++wholePages;
+        SCOPED_TRACE(std::string(page) + " " + std::to_string(round));
+        CheckPassesThroughThePage(text, untilFailure, narrowedInPass, wholePages);
+        if (HasFatalFailure()) return;
       }
     }
     if (std::string_view(page) != "CP932") {
       EXPECT_GT(narrowedInPass, 50) << page;
       EXPECT_GT(wholePages, 50) << page;
     }
+  }
+}
+
+// Text dense in letters beyond ASCII, with ASCII runs shorter than a block between them, and
+// every kind of character that ends or spoils the pass (a letter the page cannot hold, overlong,
+// cut and stray bytes, NUL) at every place, the end of the text included.
+TEST(CodePageFastTest, DenseLettersThroughTheDevicePageMatchTheStepsOneByOne) {
+  std::mt19937 random(2024);
+  const std::string letters[] = {"\xC3\xB1", "\xC3\xBC", "\xC3\x9F", "\xC3\xA9", "\xC5\x82",
+                                 "\xD0\xBF", "\xCE\xB1", "\xC2\xA0", "\xC4\x99", "\xC2\x80"};
+  const std::string spoilers[] = {
+      "\xE2\x82\xAC", "\xE2\x80\xA6", "\xE6\x97\xA5",     "\xC1\xA9",           "\xC3",
+      "\xE2\x82",     "\xA9",         "\xF0\x9F\x98\x80", std::string(1, '\0'), "\xED\xA0\x80"};
+  auto dense = [&](size_t length, int spoilEvery) {
+    std::string text;
+    while (text.size() < length) {
+      text += std::string(random() % 18, "Mana muss"[random() % 9]);
+      text += random() % spoilEvery == 0 ? spoilers[random() % std::size(spoilers)]
+                                         : letters[random() % std::size(letters)];
+    }
+    return text;
+  };
+  for (const char* page : {"CP1250", "CP1251", "CP1252"}) {
+    ScopedEnv codePage("MAILSLICE_CODEPAGE", page);
+    int narrowedInPass = 0, wholePages = 0;
+    for (int round = 0; round < 40; ++round) {
+      // Long texts cross the pieces the pass decodes in; short ones end at every place.
+      std::string text = dense(round % 4 == 0 ? 9000 : 60, round % 2 == 0 ? 400 : 6);
+      for (size_t cut = round % 4 == 0 ? text.size() : 0; cut <= text.size(); ++cut) {
+        for (bool untilFailure : {false, true}) {
+          SCOPED_TRACE(std::string(page) + " " + std::to_string(round) + " " + std::to_string(cut));
+          CheckPassesThroughThePage(text.substr(0, cut), untilFailure, narrowedInPass, wholePages);
+          if (HasFatalFailure()) return;
+        }
+      }
+    }
+    EXPECT_GT(narrowedInPass, 100) << page;
+    EXPECT_GT(wholePages, 100) << page;
   }
 }
 
