@@ -142,7 +142,19 @@ class TextMemo {
   bool piece_ = false;                                   // see KeptByStanding
   std::map<std::pair<size_t, size_t>, Answers> pieces_;  // the standing memo's, by place
   // The standing memo's, by place and delimiter; looked up without copying the delimiter.
-  std::map<std::tuple<size_t, size_t, std::string>, KeptWalk, std::less<>> walks_;
+  struct WalkOrder {
+    using is_transparent = void;
+    using Key = std::tuple<size_t, size_t, std::string_view>;
+    static Key View(const std::tuple<size_t, size_t, std::string>& key) {
+      return {std::get<0>(key), std::get<1>(key), std::get<2>(key)};
+    }
+    static const Key& View(const Key& key) { return key; }
+    template <typename A, typename B>
+    bool operator()(const A& a, const B& b) const {
+      return View(a) < View(b);
+    }
+  };
+  std::map<std::tuple<size_t, size_t, std::string>, KeptWalk, WalkOrder> walks_;
   std::set<std::string> words_;  // the words of ContainsWord answers kept here
   std::optional<PartWordIndex> index_;
   bool indexTried_ = false;
