@@ -1,5 +1,7 @@
 #include "attach/attachment_finder.h"
 
+#include <utility>
+
 #include "attach/attachment_listing.h"
 #include "mime/attachment_markers.h"
 #include "mime/header_parameters.h"
@@ -34,7 +36,7 @@ MessageAttachments::MessageAttachments(mime::WalkedText message, const CString& 
   if (!declaresBoundary_) boundary = fallbackBoundary;
   if (!declaresBoundary_ && boundary.IsEmpty()) return;
   walked_ = VisitMarkedParts(
-      message, boundary, repaired_, [&](const PartRecord& record, const mime::Piece& piece) {
+      message, boundary, repaired_, [&](PartRecord& record, const mime::Piece& piece) {
         if (record.kind != kAttachment) return;
         // The body as found in the record's copy, at the same place in the text.
         std::string_view body = PartBody(record.partText);
@@ -42,7 +44,7 @@ MessageAttachments::MessageAttachments(mime::WalkedText message, const CString& 
         if (!body.empty()) {
           inText = std::string_view(piece.begin + (body.data() - record.partText), body.size());
         }
-        parts_.push_back({record.fileName, record.transferEncoding, inText});
+        parts_.push_back({std::move(record.fileName), std::move(record.transferEncoding), inText});
       });
 }
 

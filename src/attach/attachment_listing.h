@@ -19,9 +19,10 @@ namespace mailslice::attach {
 // record marked and named, to `visit` in order. A message cut off before its closing delimiter
 // is repaired into `repaired` first, and its pieces then lie there. Only the piece at hand is
 // lent (ended in place in a text the library owns, else copied), so a listing never holds a
-// second copy of the whole message. False when the text cannot be walked.
+// second copy of the whole message. The record is lent too: `visit` may take its strings. False
+// when the text cannot be walked.
 bool VisitMarkedParts(mime::WalkedText message, const CString& boundary, std::string& repaired,
-                      platform::FunctionRef<void(const PartRecord&, const mime::Piece&)> visit);
+                      platform::FunctionRef<void(PartRecord&, const mime::Piece&)> visit);
 
 // Marks and names the attachments among records 0 .. count - 1 and rebuilds `list` from them
 // (record 0 is looked at even when count is 0). Returns the number of names listed.

@@ -5,6 +5,7 @@
 
 #include "mime/text_memo.h"
 #include "platform/code_page.h"
+#include "platform/white_space.h"
 
 namespace mailslice::attach {
 
@@ -16,8 +17,9 @@ CString ReadDisposition(const char* partText) {
     if (at == nullptr) continue;
     const char* value = at + mime::SpellingOf(spelling).size();
     size_t length = std::strcspn(value, ";\r\n");
-    CString disposition(platform::AnsiToWide(std::string_view(value, length)));
-    return disposition.Trim();
+    std::u16string disposition = platform::AnsiToWide(std::string_view(value, length));
+    platform::TrimSpaces(disposition);
+    return CString(std::move(disposition));
   }
   return CString();
 }

@@ -1,5 +1,6 @@
 #include "attach/file_name_reader.h"
 
+#include <algorithm>
 #include <cstring>
 #include <map>
 #include <optional>
@@ -10,6 +11,7 @@
 #include "codec/substring_search.h"
 #include "mime/text_memo.h"
 #include "platform/code_page.h"
+#include "platform/white_space.h"
 
 namespace mailslice::attach {
 namespace {
@@ -37,26 +39,32 @@ constexpr ContentTypeExtension kExtensions[] = {
 bool IsBlank(char ch) { return ch == ' ' || ch == '\t'; }
 
 // A parameter value: a quoted string (backslash escapes honoured, line breaks of a folded
-// value dropped) or a token up to ";" or the line end, trimmed.
+// value dropped) or a token up to ";" or the line end, trimmed. Taken in runs between the
+// characters that end or change them.
 std::string ReadValue(const char* at) {
   while (IsBlank(*at)) ++at;
   std::string value;
-  if (*at == '"') {
-    for (++at; *at != '\0' && *at != '"'; ++at) {
-      if (*at == '\\' && at[1] != '\0') {
-        value += *++at;
-      } else if (*at == '\r' || *at == '\n') {
-        const char* next = at + (at[0] == '\r' && at[1] == '\n' ? 2 : 1);
-        if (!IsBlank(*next)) break;  // an unclosed quote ends with its line
-        at = next - 1;
-      } else {
-        value += *at;
-      }
-    }
+  if (*at != '"') {
+    value.assign(at, std::strcspn(at, ";\r\n"));
+    while (!value.empty() && IsBlank(value.back())) value.pop_back();
     return value;
   }
-  for (; *at != '\0' && *at != ';' && *at != '\r' && *at != '\n'; ++at) value += *at;
-  while (!value.empty() && IsBlank(value.back())) value.pop_back();
+  for (++at;;) {
+    size_t run = std::strcspn(at, "\"\\\r\n");
+    value.append(at, run);
+    at += run;
+    if (*at == '\\') {
+      // A backslash at the very end of the text stands for itself.
+      value += at[1] != '\0' ? at[1] : '\\';
+      at += at[1] != '\0' ? 2 : 1;
+    } else if (*at == '\r' || *at == '\n') {
+      const char* next = at + (at[0] == '\r' && at[1] == '\n' ? 2 : 1);
+      if (!IsBlank(*next)) break;  // an unclosed quote ends with its line
+      at = next;
+    } else {
+      break;  // the closing quote, or the end of the text
+    }
+  }
   return value;
 }
 
@@ -83,18 +91,21 @@ std::string PercentDecoded(std::string_view text) {
   return bytes;
 }
 
-bool IsValidUtf8(std::string_view bytes) {
-  return platform::MultiByteToWide(platform::kUtf8CodePage, bytes).find(u'\uFFFD') ==
-         std::u16string::npos;
+bool IsAscii(std::string_view bytes) {
+  return std::all_of(bytes.begin(), bytes.end(),
+                     [](char ch) { return static_cast<unsigned char>(ch) < 0x80; });
 }
 
 // Bytes of a name in the charset the sender named; without one (or with one this host does
-// not know), UTF-8 when the bytes are valid UTF-8, else the device code page.
+// not know), UTF-8 when the bytes are valid UTF-8, else the device code page. ASCII reads the
+// same in UTF-8 unit for unit.
 CString NameFromBytes(std::string_view bytes, std::string_view charset = {}) {
   if (!charset.empty()) {
     if (auto text = platform::CharsetToWide(charset, bytes)) return CString(std::move(*text));
   }
-  if (IsValidUtf8(bytes)) return CString(platform::MultiByteToWide(platform::kUtf8CodePage, bytes));
+  if (IsAscii(bytes)) return CString(std::u16string(bytes.begin(), bytes.end()));
+  std::u16string utf8 = platform::MultiByteToWide(platform::kUtf8CodePage, bytes);
+  if (utf8.find(u'\uFFFD') == std::u16string::npos) return CString(std::move(utf8));
   return CString(platform::AnsiToWide(bytes));
 }
 
@@ -237,14 +248,14 @@ CString ExtensionFor(const CString& contentType) {
 }
 
 // "report.pdf.pdf" names one PDF: the extension is said once.
-CString WithoutDoubledExtension(const CString& name) {
-  int last = name.ReverseFind(u'.');
-  if (last <= 0) return name;
-  int before = name.Left(last).ReverseFind(u'.');
-  if (before < 0) return name;
-  CString outer = name.Mid(last + 1);
-  if (outer.IsEmpty() || name.Mid(before + 1, last - before - 1) != outer) return name;
-  return name.Left(last);
+std::u16string_view WithoutDoubledExtension(std::u16string_view name) {
+  size_t last = name.rfind(u'.');
+  if (last == std::u16string_view::npos || last == 0) return name;
+  size_t before = name.rfind(u'.', last - 1);
+  if (before == std::u16string_view::npos) return name;
+  std::u16string_view outer = name.substr(last + 1);
+  if (outer.empty() || name.substr(before + 1, last - before - 1) != outer) return name;
+  return name.substr(0, last);
 }
 
 }  // namespace
@@ -272,21 +283,16 @@ CString ReadFileNameParameter(const char* partText) {
 }
 
 CString ListedFileName(const CString& name, const CString& contentType) {
-  std::u16string safe;
-  CString collapsed = WithoutDoubledExtension(name);
-  for (char16_t ch : collapsed.Str()) {
-    if (ch == u'/' || ch == u'\\') {
-      safe += u'_';  // a name never reaches into another folder
-    } else if (ch >= 0x20 && ch != 0x7F) {
-      safe += ch;
-    }
-  }
-  CString listed(std::move(safe));
-  listed.Trim();
-  if (listed.IsEmpty() || listed == u"." || listed == u"..") {
+  std::u16string safe(WithoutDoubledExtension(name.Str()));
+  // A name never reaches into another folder, and holds no control characters.
+  std::replace_if(
+      safe.begin(), safe.end(), [](char16_t ch) { return ch == u'/' || ch == u'\\'; }, u'_');
+  std::erase_if(safe, [](char16_t ch) { return ch < 0x20 || ch == 0x7F; });
+  platform::TrimSpaces(safe);
+  if (safe.empty() || safe == u"." || safe == u"..") {
     return CString(u"noname") + ExtensionFor(contentType);
   }
-  return listed;
+  return CString(std::move(safe));
 }
 
 }  // namespace mailslice::attach

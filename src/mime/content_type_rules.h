@@ -19,13 +19,27 @@ inline bool StartsWith(const char* at, std::string_view prefix) {
 
 // An empty "Content-Type:" runs straight into the next field's name; such a hit is passed over.
 inline bool RunsIntoNextFieldName(const char* afterField) {
-  return StartsWith(afterField, "Date") || StartsWith(afterField, kTransferEncodingName) ||
-         StartsWith(afterField, "Message-Id");
+  // A field with a value goes on with white space: only the three first letters need a look.
+  switch (*afterField) {
+    case 'D':
+      return StartsWith(afterField, "Date");
+    case 'C':
+      return StartsWith(afterField, kTransferEncodingName);
+    case 'M':
+      return StartsWith(afterField, "Message-Id");
+    default:
+      return false;
+  }
 }
 
 // The cut-out text [begin, end) as a content type: widened, trimmed, cut before its first
 // CR LF and its first ";"; empty when an empty field swallowed the next line's "Sender:".
 CString ContentTypeValue(const char* begin, const char* end);
+
+// Whether ContentTypeValue(begin, end) equals `type` (ASCII, not empty), letters in either
+// case. Where each byte of the device code page widens alone, the bytes are compared as they
+// stand: nothing is widened.
+bool ContentTypeValueIs(const char* begin, const char* end, std::string_view type);
 
 }  // namespace mailslice::mime
 

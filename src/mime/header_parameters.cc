@@ -23,6 +23,8 @@ constexpr size_t kTransferEncodingLength = 26;  // "Content-Transfer-Encoding:",
 constexpr size_t kCharsetLength = 8;            // "charset="
 constexpr char16_t kDefaultTransferEncoding[] = u"8bit";
 constexpr size_t kShortestTransferEncoding = 3;
+constexpr std::u16string_view kKnownTransferEncodings[] = {u"quoted-printable", u"base64", u"8bit",
+                                                           u"7bit"};
 
 // The cut-out value widened through the device code page and trimmed.
 std::u16string WidenedText(const char* begin, const char* end) {
@@ -131,40 +133,76 @@ int GetBoundary(const char* text, CString& boundary, int* offset) {
   return 1;
 }
 
-CString GetContentType(const char* text, int wholeText) {
-  if (text == nullptr) return CString();
+TextSpan ContentTypeSpan(const char* text, int wholeText) {
+  if (text == nullptr) return {};
   const char* field = FindContentTypeField(text, wholeText);
-  if (field == nullptr) return CString();
+  if (field == nullptr) return {};
   const char* valueStart = field + kContentTypeField.size();
   const char* valueEnd = nullptr;
   if (wholeText == 0 && *valueStart != '\0') valueEnd = std::strchr(valueStart + 1, ';');
   if (valueEnd == nullptr) valueEnd = LineEndBehind(valueStart);
-  if (valueEnd == nullptr) return CString();
-  return ContentTypeValue(valueStart, valueEnd);
+  if (valueEnd == nullptr) return {};
+  return {valueStart, valueEnd};
 }
+
+CString GetContentType(const char* text, int wholeText) {
+  TextSpan span = ContentTypeSpan(text, wholeText);
+  if (span.begin == nullptr) return CString();
+  return ContentTypeValue(span.begin, span.end);
+}
+
+namespace {
+
+// What is kept of a content type value's bytes where each byte widens alone: the bytes of
+// white space, of the line break and of the ";" are then those units themselves, so the value
+// is cut in bytes.
+std::string_view ContentTypeBytes(const char* begin, const char* end) {
+  std::string_view bytes(begin, static_cast<size_t>(end - begin));
+  platform::TrimmedRange kept = platform::Untrimmed(bytes);
+  bytes = bytes.substr(kept.begin, kept.end - kept.begin);
+  bytes = bytes.substr(0, bytes.find("\r\n"));
+  return bytes.substr(0, bytes.find(';'));
+}
+
+// An empty field swallowed the next line's field name.
+constexpr std::u16string_view kSwallowedSender = u"Sender:";
+
+}  // namespace
 
 CString ContentTypeValue(const char* begin, const char* end) {
   const platform::AnsiReader& reader = platform::DeviceAnsiReader();
   if (reader.WidensEachByteAlone()) {
-    // Where each byte widens alone, the bytes of white space, of the line break and of the
-    // ";" are those units themselves: the value is cut in bytes, and only what is kept of a
-    // value that ran over line ends is widened.
-    std::string_view bytes(begin, static_cast<size_t>(end - begin));
-    platform::TrimmedRange kept = platform::Untrimmed(bytes);
-    bytes = bytes.substr(kept.begin, kept.end - kept.begin);
-    bytes = bytes.substr(0, bytes.find("\r\n"));
-    bytes = bytes.substr(0, bytes.find(';'));
-    std::u16string value = reader.Widen(bytes);
-    if (value == u"Sender:") return CString();
+    // Only what is kept of a value that ran over line ends is widened.
+    std::u16string value = reader.Widen(ContentTypeBytes(begin, end));
+    if (value == kSwallowedSender) return CString();
     return CString(std::move(value));
   }
   std::u16string value = WidenedText(begin, end);
   // The ";" search is not bound to the line, so the value may have run over line ends.
   value.resize(std::min(value.size(), value.find(u"\r\n")));
   value.resize(std::min(value.size(), value.find(u';')));
-  // An empty field swallowed the next line's field name.
-  if (value == u"Sender:") return CString();
+  if (value == kSwallowedSender) return CString();
   return CString(std::move(value));
+}
+
+bool ContentTypeValueIs(const char* begin, const char* end, std::string_view type) {
+  if (begin == nullptr) return false;
+  if (!platform::DeviceAnsiReader().WidensEachByteAlone()) {
+    std::u16string wide(type.begin(), type.end());
+    return platform::EqualsNoCase(ContentTypeValue(begin, end).Str(), wide);
+  }
+  // ASCII widens to itself and no other byte widens to ASCII, and letters fold only within
+  // ASCII and within Latin-1: the value equals the ASCII type exactly when its bytes do. The
+  // swallowed "Sender:" reads as empty, which no type is.
+  std::string_view bytes = ContentTypeBytes(begin, end);
+  if (bytes.size() != type.size()) return false;
+  for (size_t at = 0; at < bytes.size(); ++at) {
+    if (platform::ToLowerLetter(static_cast<unsigned char>(bytes[at])) !=
+        platform::ToLowerLetter(static_cast<unsigned char>(type[at]))) {
+      return false;
+    }
+  }
+  return bytes != "Sender:";
 }
 
 CString GetCharSet(const char* text) {
@@ -186,12 +224,12 @@ CString GetCharSet(const char* text) {
   const char* space = std::strchr(valueStart, ' ');
   if (space != nullptr && (valueEnd == nullptr || space < valueEnd)) valueEnd = space;
   if (valueEnd == nullptr) return CString();
-  CString value(platform::AnsiToWide(
-      std::string_view(valueStart, static_cast<size_t>(valueEnd - valueStart))));
-  value.Remove(u'"');
-  value.Remove(u'\'');
-  value.Remove(u';');
-  return value.Trim();
+  std::u16string value = platform::AnsiToWide(
+      std::string_view(valueStart, static_cast<size_t>(valueEnd - valueStart)));
+  // Quotes and a ";" are dropped wherever they stand, before the trimming.
+  std::erase_if(value, [](char16_t ch) { return ch == u'"' || ch == u'\'' || ch == u';'; });
+  platform::TrimSpaces(value);
+  return CString(std::move(value));
 }
 
 namespace {
@@ -241,8 +279,9 @@ CString GetTransEncode(const char* text) {
 }
 
 int IsKnownTransferEncoding(const CString& value) {
-  for (std::u16string_view known : {u"quoted-printable", u"base64", u"8bit", u"7bit"}) {
-    if (platform::EqualsNoCase(value.Str(), known)) return 1;
+  std::u16string_view text = value.Str();
+  for (std::u16string_view known : kKnownTransferEncodings) {
+    if (text.size() == known.size() && platform::EqualsNoCase(text, known)) return 1;
   }
   return 0;
 }

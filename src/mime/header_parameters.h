@@ -17,6 +17,14 @@ int GetBoundary(const char* text, CString& boundary, int* offset);
 // the start of the text up to the line end (`wholeText` non-zero); empty when none is found.
 CString GetContentType(const char* text, int wholeText);
 
+// The stretch of the text GetContentType(text, wholeText) reads its value from (to be read with
+// ContentTypeValue); both null when it reads none.
+struct TextSpan {
+  const char* begin = nullptr;
+  const char* end = nullptr;
+};
+TextSpan ContentTypeSpan(const char* text, int wholeText);
+
 // The charset parameter as written (quotes removed); empty when none is found.
 CString GetCharSet(const char* text);
 
