@@ -25,13 +25,13 @@ constexpr size_t kShortestDayName = 3;
 constexpr size_t kZoneLength = 5;  // "+0900"
 
 // Trace lines ("Received: ...; Mon, 5 Jan 2009 ...") carry the date after their last ";".
-std::u16string DateAfterLastSemicolon(const CString& value) {
+std::u16string_view DateAfterLastSemicolon(const CString& value) {
   std::u16string_view date = value.Str();
   if (size_t semicolon = date.rfind(u';'); semicolon != date.npos) {
     date.remove_prefix(semicolon + 1);
   }
   platform::TrimmedRange kept = platform::Untrimmed(date);
-  return std::u16string(date.substr(kept.begin, kept.end - kept.begin));
+  return date.substr(kept.begin, kept.end - kept.begin);
 }
 
 bool StartsWithDayName(std::u16string_view date) {
@@ -80,10 +80,12 @@ void StoreTokens(std::u16string_view date, DateFields fields) {
       fields[kDayOfWeekField].Empty();  // the date begins with the day of the month
       index = kDayField;
     }
-    std::u16string text;
-    if (index == kDayField && token.size() == 1) text += u'0';
-    text.append(token);
-    fields[index++] = CString(std::move(text));
+    if (index == kDayField && token.size() == 1) {
+      const char16_t padded[] = {u'0', token[0]};
+      fields[index++] = CString(padded, 2);
+    } else {
+      fields[index++] = CString(token.data(), static_cast<int>(token.size()));
+    }
     if (index == kDateFieldCount) return;  // further tokens have no entry
   }
 }
@@ -92,7 +94,8 @@ void StoreZone(std::u16string_view date, DateFields fields) {
   size_t sign = date.find(u'+');
   if (sign == std::u16string_view::npos) sign = date.find(u'-');
   if (sign != std::u16string_view::npos) {
-    fields[kZoneField] = CString(std::u16string(date.substr(sign, kZoneLength)));
+    std::u16string_view zone = date.substr(sign, kZoneLength);
+    fields[kZoneField] = CString(zone.data(), static_cast<int>(zone.size()));
   }
 }
 
@@ -135,14 +138,18 @@ CString Padded(size_t width, int value) {
   size_t digits = 1;
   for (unsigned rest = magnitude / 10; rest != 0; rest /= 10) ++digits;
   size_t sign = value < 0 ? 1 : 0;
-  std::u16string text(std::max(width, digits + sign), u'0');
-  size_t at = text.size();
+  // Ten digits, a sign and the widest padding asked for.
+  constexpr size_t kMostUnits = 16;
+  char16_t text[kMostUnits];
+  size_t length = std::max(width, digits + sign);
+  std::fill_n(text, length, u'0');
+  size_t at = length;
   do {
     text[--at] = static_cast<char16_t>(u'0' + magnitude % 10);
     magnitude /= 10;
   } while (magnitude != 0);
   if (sign != 0) text[0] = u'-';
-  return CString(std::move(text));
+  return CString(text, static_cast<int>(length));
 }
 
 void WriteBack(const std::optional<CalendarTime>& time, DateFields fields) {
@@ -164,9 +171,16 @@ void WriteBack(const std::optional<CalendarTime>& time, DateFields fields) {
 }  // namespace
 
 void ParseDateHeader(const CString& value, DateFields fields) {
-  std::u16string date = DateAfterLastSemicolon(value);
-  StartAtDayName(date);
-  CollapseBlanks(date);
+  std::u16string_view date = DateAfterLastSemicolon(value);
+  // Most dates begin with their day name and hold no run of blanks: they are read where they
+  // stand.
+  std::u16string changed;
+  if (!StartsWithDayName(date) || date.find(u"  ") != date.npos) {
+    changed.assign(date);
+    StartAtDayName(changed);
+    CollapseBlanks(changed);
+    date = changed;
+  }
   StoreTokens(date, fields);
   StoreZone(date, fields);
   WriteBack(UniversalTime(fields), fields);

@@ -35,14 +35,27 @@ bool IsBlank(char16_t ch) { return ch == u' ' || ch == u'\t'; }
 // Where the value that starts at `start` ends: at the line break that is not followed by a
 // continuation line, or at a NUL, or at the end of the block. Bare-LF headers look two
 // characters ahead, so a line that starts with a single blank after an LF does not continue
-// the field.
-size_t ValueEnd(std::u16string_view text, size_t start, LineEnds lineEnds) {
+// the field. `folded` tells whether the value holds an LF, which only a folded (or broken)
+// value does.
+size_t ValueEnd(std::u16string_view text, size_t start, LineEnds lineEnds, bool& folded) {
   auto at = [&](size_t i) { return i < text.size() ? text[i] : u'\0'; };
-  const char16_t stops[] = {u'\0', lineEnds == LineEnds::kCrLf ? u'\r' : u'\n'};
-  for (size_t i = start; (i = platform::FindAnyUnit(text, {stops, 2}, i)) != text.npos; ++i) {
-    if (text[i] == u'\0') return i;
-    if (lineEnds == LineEnds::kCrLf && at(i + 1) == u'\n' && !IsBlank(at(i + 2))) return i;
-    if (lineEnds == LineEnds::kLf && !IsBlank(at(i + 2))) return i;
+  // CR LF headers stop at an LF too, only to note it: a bare one stays in the value.
+  const char16_t stops[] = {u'\0', u'\n', u'\r'};
+  const size_t stopCount = lineEnds == LineEnds::kCrLf ? 3 : 2;
+  folded = false;
+  for (size_t i = start; (i = platform::FindAnyUnit(text, {stops, stopCount}, i)) != text.npos;
+       ++i) {
+    switch (text[i]) {
+      case u'\0':
+        return i;
+      case u'\n':
+        if (lineEnds == LineEnds::kLf && !IsBlank(at(i + 2))) return i;
+        folded = true;
+        break;
+      default:  // a CR
+        if (at(i + 1) == u'\n' && !IsBlank(at(i + 2))) return i;
+        break;
+    }
   }
   return text.size();
 }
@@ -137,7 +150,7 @@ void Prepare(std::u16string_view headerBlock, PreparedBlock& block) {
 // break.
 void PrepareBytes(std::string_view headerBytes, PreparedBlock& block) {
   block.text.assign(u"\r\n");
-  platform::AnsiReader().AppendWidened(headerBytes, block.text);
+  platform::DeviceAnsiReader().AppendWidened(headerBytes, block.text);
   IndexLines(block);
 }
 
@@ -157,13 +170,30 @@ bool NameAt(std::u16string_view text, size_t start, std::u16string_view name) {
   return true;
 }
 
+// An empty name: every line that begins with a colon, in the same two passes as below.
+FoundValue AnyLineValue(const PreparedBlock& block, int occurrence) {
+  for (LineEnds lineEnds : {LineEnds::kCrLf, LineEnds::kLf}) {
+    int seen = 0;
+    for (size_t start : block.lineStarts) {
+      if (lineEnds == LineEnds::kCrLf && block.text[start - 2] != u'\r') continue;
+      if (!NameAt(block.text, start, {})) continue;
+      if (seen++ >= occurrence) return {start + 1, lineEnds};
+    }
+    if (seen > 0) return {};
+  }
+  return {};
+}
+
 // The lines that begin with `name` and a colon: after a CR LF in the first pass, after any
 // LF in the second, which is made only when the first finds none. As the search above.
 FoundValue IndexedValue(const PreparedBlock& block, std::u16string_view name, int occurrence) {
+  if (name.empty()) return AnyLineValue(block, occurrence);
+  const char16_t first = platform::ToLowerLetter(name[0]);
+  std::u16string_view firsts = block.lineFirsts;
   for (LineEnds lineEnds : {LineEnds::kCrLf, LineEnds::kLf}) {
     int seen = 0;
-    for (size_t line = 0; line < block.lineStarts.size(); ++line) {
-      if (!name.empty() && block.lineFirsts[line] != platform::ToLowerLetter(name[0])) continue;
+    for (size_t line = platform::FindUnit(firsts, first); line != firsts.npos;
+         line = platform::FindUnit(firsts, first, line + 1)) {
       size_t start = block.lineStarts[line];
       if (lineEnds == LineEnds::kCrLf && block.text[start - 2] != u'\r') continue;
       if (!NameAt(block.text, start, name)) continue;
@@ -179,17 +209,22 @@ FoundValue IndexedValue(const PreparedBlock& block, std::u16string_view name, in
 // space both being trimmed.
 CString ValueFrom(std::u16string_view text, FoundValue found) {
   if (found.start == std::u16string::npos) return CString();
-  size_t end = ValueEnd(text, found.start, found.lineEnds);
+  bool folded = false;
+  size_t end = ValueEnd(text, found.start, found.lineEnds, folded);
   std::u16string_view raw = text.substr(found.start, end - found.start);
   std::u16string value;
-  if (platform::FindUnit(raw, u'\n') == std::u16string_view::npos) {
+  if (!folded) {
     platform::TrimmedRange kept = platform::Untrimmed(raw);
     value.assign(raw.substr(kept.begin, kept.end - kept.begin));
   } else {
     value = Unfold(std::u16string(raw), found.lineEnds);
     platform::TrimSpaces(value);
   }
-  std::replace(value.begin(), value.end(), u'\t', u' ');
+  // Tabs are rare in a value: they are looked for before anything is replaced.
+  for (size_t tab = platform::FindUnit(value, u'\t'); tab != std::u16string::npos;
+       tab = platform::FindUnit(value, u'\t', tab + 1)) {
+    value[tab] = u' ';
+  }
   return CString(std::move(value));
 }
 

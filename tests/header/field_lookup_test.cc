@@ -167,7 +167,8 @@ std::u16string RandomHeader(std::mt19937& random, bool withNul) {
                                                      u"Fr:om",
                                                      u"Re"};
   static const std::vector<std::u16string> kValues = {
-      u" a@x", u"", u"  two  words ", u"\tb\tc", u" x: y", u" =?utf-8?q?w?=", u" To: inner"};
+      u" a@x",           u"",           u"  two  words ", u"\tb\tc",    u" x: y",
+      u" =?utf-8?q?w?=", u" To: inner", u" a\tb\t",       u" bare\nlf", u" cr\r\rcr"};
   static const std::vector<std::u16string> kEnds = {u"\r\n", u"\n",   u"\r",     u"\r\n ",
                                                     u"\n ",  u"\n  ", u"\r\n\t", u"\n\t"};
   std::u16string header;
