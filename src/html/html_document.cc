@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <new>
 
+#include "html/entity_decoder.h"
 #include "platform/code_page.h"
 #include "platform/white_space.h"
 
@@ -104,6 +105,16 @@ std::u16string BodyTextCollector::TakeText() {
   if (!bytes_.empty()) {
     reader_.AppendWidened(bytes_, text_);
     bytes_.clear();
+  }
+  return std::move(text_);
+}
+
+std::u16string BodyTextCollector::TakeDecodedText() {
+  if (bytewise_) {
+    HtmlEntityDecoder().DecodeWidened(bytes_, reader_, text_);
+    bytes_.clear();
+  } else {
+    HtmlEntityDecoder().DecodeInPlace(text_);
   }
   return std::move(text_);
 }

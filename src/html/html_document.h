@@ -92,6 +92,9 @@ class BodyTextCollector {
   bool Reads(std::string_view name) const;
   CString Take() { return CString(TakeText()); }
   std::u16string TakeText();
+  // TakeText's text after HtmlEntityDecoder::DecodeInPlace; bytes gathered on a page that
+  // widens each byte alone are decoded as they are widened, in one pass.
+  std::u16string TakeDecodedText();
   // The buffer the bytes were gathered in, for another use of its room.
   std::string TakeBytes() { return std::move(bytes_); }
 
@@ -128,6 +131,8 @@ class HtmlDocument {
   static CString ReadBodyText(const char* text);
   // The same, written into `storage` (emptied first; its room is used).
   static void ReadBodyTextInto(const char* text, std::u16string& storage);
+  // ReadBodyTextInto, then HtmlEntityDecoder::DecodeInPlace on the text.
+  static void ReadDecodedBodyTextInto(const char* text, std::u16string& storage);
 
   void Append(std::unique_ptr<HtmlElement> element);
   uint32_t count() const { return count_; }

@@ -275,7 +275,10 @@ CString HtmlDocument::ReadBodyText(const char* text) {
   return CString(std::move(collected));
 }
 
-void HtmlDocument::ReadBodyTextInto(const char* text, std::u16string& storage) {
+namespace {
+
+template <typename Take>
+void ReadBodyTextWith(const char* text, std::u16string& storage, Take take) {
   // The gathered text takes about as much room as the page.
   BodyTextCollector collector(
       std::move(storage), platform::TakeSpareBytes(text != nullptr ? std::strlen(text) + 2 : 0));
@@ -283,8 +286,20 @@ void HtmlDocument::ReadBodyTextInto(const char* text, std::u16string& storage) {
     TextBuilder builder(collector);
     Parser<TextBuilder>(text, builder).Run();
   }
-  storage = collector.TakeText();
+  storage = take(collector);
   platform::KeepSpare(collector.TakeBytes());
+}
+
+}  // namespace
+
+void HtmlDocument::ReadBodyTextInto(const char* text, std::u16string& storage) {
+  ReadBodyTextWith(text, storage,
+                   [](BodyTextCollector& collector) { return collector.TakeText(); });
+}
+
+void HtmlDocument::ReadDecodedBodyTextInto(const char* text, std::u16string& storage) {
+  ReadBodyTextWith(text, storage,
+                   [](BodyTextCollector& collector) { return collector.TakeDecodedText(); });
 }
 
 int HtmlDocument::Parse(const char* text) {
