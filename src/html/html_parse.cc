@@ -195,15 +195,20 @@ class Parser {
   // past white space.
   Element ReadTag() {
     const char* start = cursor_;
+    const char* const giveUp = start + HtmlElement::kMaxNameLength;
     while (true) {
-      while (!StopsTagName(*cursor_)) {
-        if (++cursor_ - start == HtmlElement::kMaxNameLength) return Element();
+      // Any byte may stand beyond giveUp, up to the terminating NUL: the name is looked at to
+      // its stop, and given up if that lies too far.
+      while (!StopsTagName(*cursor_)) ++cursor_;
+      if (cursor_ >= giveUp) {
+        cursor_ = giveUp;
+        return Element();
       }
       if (*cursor_ != '<') break;
       if (MarkupFollows(cursor_)) {
         return builder_.MakeElement(std::string_view(start, cursor_ - start));
       }
-      if (++cursor_ - start == HtmlElement::kMaxNameLength) return Element();
+      if (++cursor_ == giveUp) return Element();
     }
     Element element = builder_.MakeElement(std::string_view(start, cursor_ - start));
     ReadAttributes(element);

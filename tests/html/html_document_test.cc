@@ -131,6 +131,9 @@ TEST(HtmlDocumentTest, StopsAtByte255AndGivesUpTagNamesOf64Characters) {
   EXPECT_EQ(ParseAndDescribe("<" + name63 + " a=1>"), Lines{name63 + "[a=1]"});
   EXPECT_EQ(ParseAndDescribe("<" + name64 + " rest>"), Lines{"TEXT_DATA[TEXT=rest>]"});
   EXPECT_EQ(ParseAndDescribe("<" + name64), Lines{});
+  // A stray "<" counts toward the length; one that opens markup ends the name.
+  EXPECT_EQ(ParseAndDescribe("<" + name63 + "<zz>"), Lines{"TEXT_DATA[TEXT=zz>]"});
+  EXPECT_EQ(ParseAndDescribe("<" + name63.substr(1) + "<p>"), (Lines{name63.substr(1), "p"}));
   HtmlElement element;  // the name's fixed room refuses a longer one outright
   EXPECT_TRUE(element.SetName(name64));
   EXPECT_FALSE(element.SetName(name64 + "x"));
