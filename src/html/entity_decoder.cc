@@ -11,7 +11,9 @@
 #include "html/entity_decoder.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
+#include <cstring>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -168,14 +170,50 @@ class InPlaceWriter {
   size_t spanOpen_ = std::u16string::npos;
 };
 
+// The marked units of a text, found in the text itself, or in the bytes it was widened from one
+// unit per byte. In bytes each mark is looked for on its own with memchr, which runs through
+// long texts several times faster than a search for any of them; a mark found is remembered
+// until the reading passes it, and one not found is never looked for again.
+class MarkFinder {
+ public:
+  explicit MarkFinder(std::u16string_view text) : text_(text) {}
+  explicit MarkFinder(std::string_view bytes) : bytes_(bytes) {
+    for (size_t mark = 0; mark < kMarkedUnits.size(); ++mark) {
+      next_[mark] = FindByte(static_cast<char>(kMarkedUnits[mark]), 0);
+    }
+  }
+
+  // The first marked unit at or after `from`, which never goes back from one call to the next.
+  size_t Next(size_t from) {
+    if (bytes_.data() == nullptr) return platform::FindAnyUnit(text_, kMarkedUnits, from);
+    size_t first = std::string_view::npos;
+    for (size_t mark = 0; mark < kMarkedUnits.size(); ++mark) {
+      if (next_[mark] < from) next_[mark] = FindByte(static_cast<char>(kMarkedUnits[mark]), from);
+      first = std::min(first, next_[mark]);
+    }
+    return first;
+  }
+
+ private:
+  size_t FindByte(char byte, size_t from) const {
+    if (from >= bytes_.size()) return std::string_view::npos;
+    const void* found = std::memchr(bytes_.data() + from, byte, bytes_.size() - from);
+    return found ? static_cast<const char*>(found) - bytes_.data() : std::string_view::npos;
+  }
+
+  std::u16string_view text_;
+  std::string_view bytes_;
+  std::array<size_t, kMarkedUnits.size()> next_{};  // where each mark is in the bytes
+};
+
 // One pass for the three steps, with the result of doing them one after another over the whole
 // text: an XHTML break never holds or joins a reference (no reference has "<" or a line end in
 // it), and removing a span never makes a new "<".
-void DecodeAndRemoveSpans(std::u16string& text) {
+void DecodeAndRemoveSpans(std::u16string& text, MarkFinder marks) {
   const std::u16string_view view(text);
   InPlaceWriter out(text);
   size_t read = 0;
-  for (size_t at; (at = platform::FindAnyUnit(view, kMarkedUnits, read)) != view.npos;) {
+  for (size_t at; (at = marks.Next(read)) != view.npos;) {
     out.PutRun(read, at - read);
     if (view.substr(at).starts_with(kXhtmlBreak)) {
       out.Put(kLineBreak);
@@ -196,7 +234,17 @@ void DecodeAndRemoveSpans(std::u16string& text) {
 }  // namespace
 
 void HtmlEntityDecoder::DecodeInPlace(std::u16string& text) const {
-  DecodeAndRemoveSpans(text);
+  DecodeAndRemoveSpans(text, MarkFinder(text));
+  platform::TrimSpaces(text);
+}
+
+void HtmlEntityDecoder::DecodeWidened(std::string_view bytes, const platform::AnsiReader& reader,
+                                      std::u16string& text) const {
+  text.clear();
+  reader.AppendWidened(bytes, text);
+  // Each byte is then one unit of the text, and only ASCII bytes widen to the marked units.
+  const bool unitPerByte = reader.WidensEachByteAlone() && text.size() == bytes.size();
+  DecodeAndRemoveSpans(text, unitPerByte ? MarkFinder(bytes) : MarkFinder(text));
   platform::TrimSpaces(text);
 }
 

@@ -6,6 +6,9 @@
 #include <mailslice/cstring.h>
 
 #include <string>
+#include <string_view>
+
+#include "platform/code_page.h"
 
 namespace mailslice::html {
 
@@ -17,6 +20,10 @@ class HtmlEntityDecoder {
   CString Decode(const CString& text) const;
   // The same, done over `text` itself.
   void DecodeInPlace(std::u16string& text) const;
+  // The same for the wide text that `bytes` widen to through `reader`, written into `text`
+  // (emptied first). Fastest for a reader that widens each byte alone.
+  void DecodeWidened(std::string_view bytes, const platform::AnsiReader& reader,
+                     std::u16string& text) const;
 };
 
 }  // namespace mailslice::html

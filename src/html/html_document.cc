@@ -4,15 +4,13 @@
 #include <algorithm>
 #include <new>
 
+#include "html/entity_decoder.h"
 #include "platform/code_page.h"
 #include "platform/white_space.h"
 
 namespace mailslice::html {
 namespace {
 
-// The device's own prefix tests, case-sensitive: "<BODY>" in capitals never opens the body.
-constexpr std::string_view kBodyOpenPrefix = "body";
-constexpr std::string_view kBodyClosePrefix = "/body";
 constexpr std::u16string_view kScriptCommentPrefix = u"//";
 constexpr std::u16string_view kLineBreak = u"\r\n";
 constexpr std::string_view kScriptCommentBytes = "//";
@@ -60,27 +58,11 @@ void HtmlDocument::Append(std::unique_ptr<HtmlElement> element) {
   ++count_;
 }
 
-void BodyTextCollector::Element(std::string_view name) {
-  if (name.starts_with(kBodyOpenPrefix)) {
-    inBody_ = true;
-  } else if (name.starts_with(kBodyClosePrefix)) {
-    inBody_ = false;
-  }
-}
-
-// Any attribute named TEXT... counts, so comments and a body tag's own TEXT colour are read as
-// text too, as the device always did.
-bool BodyTextCollector::Reads(std::string_view name) const {
-  return inBody_ && name.starts_with(kContentAttributeName);
-}
-
-void BodyTextCollector::Attribute(std::string_view name, std::optional<std::string_view> value) {
-  if (!Reads(name)) return;
-  if (bytewise_) return GatherBytes(value.value_or(std::string_view()));
-  // An attribute written without a value reads as empty text. The line is widened onto the end
-  // of the text, trimmed there and moved down over what was trimmed off its start.
+void BodyTextCollector::WidenLine(std::string_view run) {
+  // The line is widened onto the end of the text, trimmed there and moved down over what was
+  // trimmed off its start.
   const size_t start = text_.size();
-  reader_.AppendWidened(value.value_or(std::string_view()), text_);
+  reader_.AppendWidened(run, text_);
   platform::TrimmedRange kept = platform::Untrimmed(std::u16string_view(text_).substr(start));
   std::u16string_view line =
       std::u16string_view(text_).substr(start + kept.begin, kept.end - kept.begin);
@@ -97,13 +79,29 @@ void BodyTextCollector::GatherBytes(std::string_view run) {
   platform::TrimmedRange kept = platform::Untrimmed(run);
   std::string_view line = run.substr(kept.begin, kept.end - kept.begin);
   if (line.empty() || line.starts_with(kScriptCommentBytes)) return;
-  bytes_.append(line).append(kLineBreakBytes);
+  const size_t needed = gathered_ + line.size() + kLineBreakBytes.size();
+  // The room grows by doubling, so the zeros written ahead cost no more than the text.
+  if (needed > bytes_.size()) bytes_.resize(std::max(needed, 2 * bytes_.size()));
+  char* out = bytes_.data() + gathered_;
+  line.copy(out, line.size());
+  kLineBreakBytes.copy(out + line.size(), kLineBreakBytes.size());
+  gathered_ = needed;
 }
 
 std::u16string BodyTextCollector::TakeText() {
-  if (!bytes_.empty()) {
-    reader_.AppendWidened(bytes_, text_);
-    bytes_.clear();
+  if (gathered_ != 0) {
+    reader_.AppendWidened(Gathered(), text_);
+    gathered_ = 0;
+  }
+  return std::move(text_);
+}
+
+std::u16string BodyTextCollector::TakeDecodedText() {
+  if (bytewise_) {
+    HtmlEntityDecoder().DecodeWidened(Gathered(), reader_, text_);
+    gathered_ = 0;
+  } else {
+    HtmlEntityDecoder().DecodeInPlace(text_);
   }
   return std::move(text_);
 }

@@ -85,18 +85,50 @@ class BodyTextCollector {
   }
 
   // An element of that name begins (its attributes follow).
-  void Element(std::string_view name);
+  void Element(std::string_view name) {
+    if (name.starts_with(kBodyOpenPrefix)) {
+      inBody_ = true;
+    } else if (name.starts_with(kBodyClosePrefix)) {
+      inBody_ = false;
+    }
+  }
   // An attribute of the last element; nothing for one written without a value.
-  void Attribute(std::string_view name, std::optional<std::string_view> value);
-  // Whether an attribute of that name of the last element adds to the text.
-  bool Reads(std::string_view name) const;
+  void Attribute(std::string_view name, std::optional<std::string_view> value) {
+    // An attribute written without a value reads as empty text.
+    if (Reads(name)) Line(value.value_or(std::string_view()));
+  }
+  // A text run or comment: an element whose one attribute is its "TEXT".
+  void Content(std::string_view content) {
+    if (inBody_) Line(content);
+  }
+  // Whether an attribute of that name of the last element adds to the text. Any attribute named
+  // TEXT... counts, so comments and a body tag's own TEXT colour are read as text too, as the
+  // device always did.
+  bool Reads(std::string_view name) const {
+    return inBody_ && name.starts_with(kContentAttributeName);
+  }
   CString Take() { return CString(TakeText()); }
   std::u16string TakeText();
+  // TakeText's text after HtmlEntityDecoder::DecodeInPlace; bytes gathered on a page that
+  // widens each byte alone are decoded as they are widened, in one pass.
+  std::u16string TakeDecodedText();
   // The buffer the bytes were gathered in, for another use of its room.
   std::string TakeBytes() { return std::move(bytes_); }
 
  private:
+  // The device's own prefix tests, case-sensitive: "<BODY>" in capitals never opens the body.
+  static constexpr std::string_view kBodyOpenPrefix = "body";
+  static constexpr std::string_view kBodyClosePrefix = "/body";
+
+  // Adds a line of text: trimmed, and left out when empty or starting with "//".
+  void Line(std::string_view run) {
+    if (bytewise_) return GatherBytes(run);
+    WidenLine(run);
+  }
   void GatherBytes(std::string_view run);
+  void WidenLine(std::string_view run);
+  // The bytes gathered are the first gathered_ of bytes_, whose room beyond is sized ahead.
+  std::string_view Gathered() const { return std::string_view(bytes_).substr(0, gathered_); }
 
   platform::AnsiReader reader_;
   // On a device code page that widens each byte on its own, the runs are gathered as bytes
@@ -105,6 +137,7 @@ class BodyTextCollector {
   bool bytewise_ = reader_.WidensEachByteAlone();
   std::u16string text_;
   std::string bytes_;
+  size_t gathered_ = 0;
   bool inBody_ = false;
 };
 
@@ -128,6 +161,8 @@ class HtmlDocument {
   static CString ReadBodyText(const char* text);
   // The same, written into `storage` (emptied first; its room is used).
   static void ReadBodyTextInto(const char* text, std::u16string& storage);
+  // ReadBodyTextInto, then HtmlEntityDecoder::DecodeInPlace on the text.
+  static void ReadDecodedBodyTextInto(const char* text, std::u16string& storage);
 
   void Append(std::unique_ptr<HtmlElement> element);
   uint32_t count() const { return count_; }

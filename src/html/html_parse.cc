@@ -3,6 +3,7 @@
 // quotes do not protect ">", and a byte 255 at the start of an item ends the page. Every look
 // ahead stops at the terminating NUL and is bounded by what the cursor then passes over, so
 // the cost grows with the page, not faster.
+#include <array>
 #include <cstring>
 #include <new>
 #include <optional>
@@ -51,6 +52,14 @@ class DocumentBuilder {
     }
   }
 
+  // A pseudo-element carrying `content` in its "TEXT" attribute. Whatever memory could not be
+  // found for (the element, the attribute or its value) is left out.
+  static Element MakeContentElement(std::string_view name, std::string_view content) {
+    Element element = MakeElement(name);
+    StoreValue(AddAttribute(element, kContentAttributeName), content);
+    return element;
+  }
+
   void Append(Element element) { document_.Append(std::move(element)); }
 
  private:
@@ -65,7 +74,15 @@ bool StartsWith(const char* text, std::string_view prefix) {
   return true;
 }
 
-bool EndsTagName(char ch) { return ch == '\n' || ch == ' ' || ch == '>' || ch == '\0'; }
+// The bytes a tag name stops at: those that end it ("\n", " ", ">" and the terminating NUL), and
+// "<", which may open other markup.
+constexpr std::array<bool, 256> kStopsTagName = [] {
+  std::array<bool, 256> stops{};
+  for (unsigned char ch : {'\n', ' ', '>', '\0', '<'}) stops[ch] = true;
+  return stops;
+}();
+
+bool StopsTagName(char ch) { return kStopsTagName[static_cast<unsigned char>(ch)]; }
 
 // Hands each element to a BodyTextCollector as soon as it is complete, keeping only the one
 // being read; names and values point into the page.
@@ -99,6 +116,13 @@ class TextBuilder {
 
   void StoreValue(Attribute attribute, std::string_view value) {
     if (attribute != 0) pending_.attributes[attribute - 1].second = value;
+  }
+
+  // Text runs and comments go to the collector at once, and make no element to append: their
+  // names open and close nothing.
+  Element MakeContentElement(std::string_view, std::string_view content) {
+    collector_.Content(content);
+    return Element();
   }
 
   void Append(Element element) {
@@ -142,15 +166,14 @@ class Parser {
 
   // A run of text ends at the first "<" that opens a comment or a known tag; any other "<"
   // ("a < 3", "x<<y") stays in the run. A run that reaches the end of the page ends the parse.
+  // The run starts past white space, at a byte other than NUL, "<" and ">".
   Element ReadTextRun() {
-    cursor_ = SkipHtmlSpace(cursor_);
-    if (*cursor_ == '\0' || *cursor_ == '<') return Element();
     const char* start = cursor_;
     const char* end = FindLessThan(start);
     while (end && !MarkupFollows(end)) end = FindLessThan(end + 1);
     cursor_ = end;  // null when the run takes the rest of the page
-    return MakeContentElement(kTextElementName,
-                              std::string_view(start, (end ? end : end_) - start));
+    return builder_.MakeContentElement(kTextElementName,
+                                       std::string_view(start, (end ? end : end_) - start));
   }
 
   // An unterminated comment swallows the rest of the page.
@@ -164,20 +187,28 @@ class Parser {
     }
     cursor_ += close + kCommentClose.size();
     if (close == 0) return Element();
-    return MakeContentElement(kCommentElementName, rest.substr(0, close));
+    return builder_.MakeContentElement(kCommentElementName, rest.substr(0, close));
   }
 
   // Tab and CR do not end a tag name: "<td\tclass=c>" is one name. A name that reaches
-  // kMaxNameLength characters is given up, and the rest of it is read as text.
+  // kMaxNameLength characters is given up, and the rest of it is read as text. The name starts
+  // past white space.
   Element ReadTag() {
-    cursor_ = SkipHtmlSpace(cursor_);
     const char* start = cursor_;
-    while (!EndsTagName(*cursor_)) {
-      if (*cursor_ == '<' && MarkupFollows(cursor_)) {
+    const char* const giveUp = start + HtmlElement::kMaxNameLength;
+    while (true) {
+      // Any byte may stand beyond giveUp, up to the terminating NUL: the name is looked at to
+      // its stop, and given up if that lies too far.
+      while (!StopsTagName(*cursor_)) ++cursor_;
+      if (cursor_ >= giveUp) {
+        cursor_ = giveUp;
+        return Element();
+      }
+      if (*cursor_ != '<') break;
+      if (MarkupFollows(cursor_)) {
         return builder_.MakeElement(std::string_view(start, cursor_ - start));
       }
-      ++cursor_;
-      if (static_cast<size_t>(cursor_ - start) == HtmlElement::kMaxNameLength) return Element();
+      if (++cursor_ == giveUp) return Element();
     }
     Element element = builder_.MakeElement(std::string_view(start, cursor_ - start));
     ReadAttributes(element);
@@ -252,14 +283,6 @@ class Parser {
     return static_cast<const char*>(std::memchr(from, '<', end_ - from));
   }
 
-  // A pseudo-element carrying `content` in its "TEXT" attribute. Whatever memory could not be
-  // found for (the element, the attribute or its value) is left out.
-  Element MakeContentElement(std::string_view name, std::string_view content) {
-    Element element = builder_.MakeElement(name);
-    builder_.StoreValue(builder_.AddAttribute(element, kContentAttributeName), content);
-    return element;
-  }
-
   const char* cursor_;     // null once a text run has taken the rest of the page
   const char* const end_;  // the terminating NUL
   Builder& builder_;
@@ -275,7 +298,10 @@ CString HtmlDocument::ReadBodyText(const char* text) {
   return CString(std::move(collected));
 }
 
-void HtmlDocument::ReadBodyTextInto(const char* text, std::u16string& storage) {
+namespace {
+
+template <typename Take>
+void ReadBodyTextWith(const char* text, std::u16string& storage, Take take) {
   // The gathered text takes about as much room as the page.
   BodyTextCollector collector(
       std::move(storage), platform::TakeSpareBytes(text != nullptr ? std::strlen(text) + 2 : 0));
@@ -283,8 +309,20 @@ void HtmlDocument::ReadBodyTextInto(const char* text, std::u16string& storage) {
     TextBuilder builder(collector);
     Parser<TextBuilder>(text, builder).Run();
   }
-  storage = collector.TakeText();
+  storage = take(collector);
   platform::KeepSpare(collector.TakeBytes());
+}
+
+}  // namespace
+
+void HtmlDocument::ReadBodyTextInto(const char* text, std::u16string& storage) {
+  ReadBodyTextWith(text, storage,
+                   [](BodyTextCollector& collector) { return collector.TakeText(); });
+}
+
+void HtmlDocument::ReadDecodedBodyTextInto(const char* text, std::u16string& storage) {
+  ReadBodyTextWith(text, storage,
+                   [](BodyTextCollector& collector) { return collector.TakeDecodedText(); });
 }
 
 int HtmlDocument::Parse(const char* text) {

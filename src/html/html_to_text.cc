@@ -5,7 +5,6 @@
 #include <string>
 #include <string_view>
 
-#include "html/entity_decoder.h"
 #include "html/html_document.h"
 #include "platform/code_page.h"
 #include "platform/spare_buffers.h"
@@ -54,8 +53,7 @@ CString TextFromOwnReader(std::u16string&& html, std::string&& narrow) {
   } else if (html.capacity() < narrow.size()) {
     html = platform::TakeSpareWide(narrow.size());  // a body given as its page alone
   }
-  HtmlDocument::ReadBodyTextInto(narrow.c_str(), html);
-  HtmlEntityDecoder().DecodeInPlace(html);
+  HtmlDocument::ReadDecodedBodyTextInto(narrow.c_str(), html);
   platform::KeepSpare(std::move(narrow));
   // A small buffer becomes the text itself; a large one is kept for the next body, and the text
   // gets a string of its own length.

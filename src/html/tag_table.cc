@@ -1,40 +1,11 @@
-// The tag table and a trie over it, so that classifying the text after a "<" costs at most the
-// length of the longest tag name whatever the page holds.
+// A trie over the tag table, so that classifying the words the first letters do not settle costs
+// at most the length of the longest tag name whatever the page holds.
 #include "html/tag_table.h"
 
 #include <cstdint>
 #include <vector>
 
 namespace mailslice::html {
-
-const std::array<std::string_view, kTagTableEntries + 1> kTagTable = {
-    "VAR",       "UL",       "U",         "TT",         "TR",          "TITLE",     "THEAD",
-    "TH",        "TFOOT",    "TEXTAREA",  "TD",         "TBODY",       "TABLE",     "SUP",
-    "SUB",       "STYLE",    "STRONG",    "STRIKE",     "SPAN",        "SMALL",     "SELECT",
-    "SCRIPT",    "SAMP",     "S",         "Q",          "PRE",         "PARAM",     "P",
-    "OPTION",    "OPTGROUP", "OL",        "OBJECT",     "NOSCRIPT",    "NOFRAMES",  "META",
-    "MENU",      "MAP",      "LINK",      "LI",         "LEGEND",      "LABEL",     "KBD",
-    "ISINDEX",   "INS",      "INPUT",     "IMG",        "IFRAME",      "I",         "HTML",
-    "HR",        "HEAD",     "H6",        "H5",         "H4",          "H3",        "H2",
-    "H1",        "FRAMESET", "FRAME",     "FORM",       "FONT",        "FIELDSET",  "EMBED",
-    "EM",        "DT",       "DL",        "DIV",        "DIR",         "DFN",       "DEL",
-    "DD",        "COLGROUP", "COL",       "CODE",       "CITE",        "CENTER",    "CAPTION",
-    "BUTTON",    "BR",       "BODY",      "BLOCKQUOTE", "BIG",         "BDO",       "BASEFONT",
-    "BASE",      "B",        "AREA",      "APPLET",     "ADDRESS",     "ACRONYM",   "ABBR",
-    "A",         "/VAR",     "/UL",       "/U",         "/TT",         "/TR",       "/TITLE",
-    "/THEAD",    "/TH",      "/TFOOT",    "/TEXTAREA",  "/TD",         "/TBODY",    "/TABLE",
-    "/SUP",      "/SUB",     "/STYLE",    "/STRONG",    "/STRIKE",     "/SPAN",     "/SMALL",
-    "/SELECT",   "/SCRIPT",  "/SAMP",     "/S",         "/Q",          "/PRE",      "/PARAM",
-    "/P",        "/OPTION",  "/OPTGROUP", "/OL",        "/OBJECT",     "/NOSCRIPT", "/NOFRAMES",
-    "/MENU",     "/LI",      "/LEGEND",   "/LABEL",     "/KBD",        "/ISINDEX",  "/INS",
-    "/IFRAME",   "/I",       "/HTML",     "/HEAD",      "/H6",         "/H5",       "/H4",
-    "/H3",       "/H2",      "/H1",       "/FRAMESET",  "/FRAME",      "/FORM",     "/FONT",
-    "/FIELDSET", "/EMBED",   "/EM",       "/DT",        "/DL",         "/DIV",      "/DIR",
-    "/DFN",      "/DEL",     "/DD",       "/COLGROUP",  "/COL",        "/CODE",     "/CITE",
-    "/CENTER",   "/CAPTION", "/BUTTON",   "/BODY",      "/BLOCKQUOTE", "/BIG",      "/BDO",
-    "/B",        "/APPLET",  "/ADDRESS",  "/ACRONYM",   "/ABBR",       "/A",        "!DOCTYPE",
-    "!--",       ""};
-
 namespace {
 
 // Tag names are upper-case letters, digits, "/", "!" and "-": all within '!' .. 'Z'.
@@ -90,7 +61,7 @@ class TagTrie {
 
 }  // namespace
 
-Markup Classify(const char* text) {
+Markup tag_table_detail::ClassifyByTable(const char* text) {
   static const TagTrie trie;
   if (*text == '\0') return Markup::kNone;
   if (text[0] == '!' && text[1] == '-' && text[2] == '-') return Markup::kComment;

@@ -3,15 +3,18 @@
 #define MAILSLICE_PLATFORM_WHITE_SPACE_H
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
 namespace mailslice::platform {
 
-// Space, tab, CR, LF, vertical tab and form feed.
-constexpr bool IsTrimmedSpace(char16_t ch) {
-  return ch == u' ' || ch == u'\t' || ch == u'\r' || ch == u'\n' || ch == u'\v' || ch == u'\f';
-}
+// Space, tab, CR, LF, vertical tab and form feed: one bit each, tested with one shift.
+inline constexpr uint64_t kTrimmedSpaces = uint64_t{1} << u' ' | uint64_t{1} << u'\t' |
+                                           uint64_t{1} << u'\r' | uint64_t{1} << u'\n' |
+                                           uint64_t{1} << u'\v' | uint64_t{1} << u'\f';
+
+constexpr bool IsTrimmedSpace(char16_t ch) { return ch <= u' ' && (kTrimmedSpaces >> ch & 1) != 0; }
 
 // Where the text that CString's Trim leaves of `text` begins and ends.
 struct TrimmedRange {

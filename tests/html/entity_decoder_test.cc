@@ -7,12 +7,14 @@
 #include <vector>
 
 #include "html/entity_tables.h"
+#include "platform/code_page.h"
 #include "support/test_support.h"
 
 namespace mailslice::html {
 namespace {
 
 using mailslice::testing::Repeated;
+using mailslice::testing::ScopedEnv;
 using mailslice::testing::Utf8;
 
 std::string Decoded(std::u16string_view text) {
@@ -105,6 +107,32 @@ TEST(EntityDecoderTest, MatchesRowByRowReplacementOnGeneratedText) {
     std::u16string text;
     for (int n = length(random); n > 0; --n) text += pieces[pick(random)];
     ASSERT_EQ(Decoded(text), Utf8(DecodeRowByRow(text))) << Utf8(text);
+  }
+}
+
+// Bytes decoded as they are widened read as the widened text decoded in place, on the pages
+// that widen each byte alone and on one that does not, with references cut at every place.
+TEST(EntityDecoderTest, DecodingWhileWideningMatchesDecodingTheWideText) {
+  const std::string pieces[] = {"&",      "&#",     ";",      "#",      "38",       "346",
+                                "amp",    "lt",     "gt",     "nbsp",   "&#38;",    "&amp;",
+                                "&lt;",   "&gt;",   "<",      ">",      "<br />",   "<br /",
+                                " ",      "\r\n",   "x",      "\xE9",   "\x81\x8D", "\xA0&",
+                                "&\xE9;", "&eacut", "&#8249", "&#338;", "\xFE\xFF", "\x93\x94"};
+  std::mt19937 random(7311);
+  std::uniform_int_distribution<size_t> pick(0, std::size(pieces) - 1);
+  std::uniform_int_distribution<int> length(0, 30);
+  for (const char* codePage : {"CP1252", "CP1251", "CP1256", "UTF-8"}) {
+    ScopedEnv device("MAILSLICE_CODEPAGE", codePage);
+    const platform::AnsiReader reader;
+    for (int trial = 0; trial < 5'000; ++trial) {
+      std::string bytes;
+      for (int n = length(random); n > 0; --n) bytes += pieces[pick(random)];
+      std::u16string expected = reader.Widen(bytes);
+      HtmlEntityDecoder().DecodeInPlace(expected);
+      std::u16string decoded = u"left over";
+      HtmlEntityDecoder().DecodeWidened(bytes, reader, decoded);
+      ASSERT_EQ(Utf8(decoded), Utf8(expected)) << codePage << ": " << bytes;
+    }
   }
 }
 

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "html/entity_decoder.h"
 #include "html/tag_table.h"
 #include "support/test_support.h"
 
@@ -51,6 +52,46 @@ TEST(TagTableTest, ClassifiesByCaseFoldedPrefix) {
   EXPECT_EQ(Classify("!--x"), Markup::kComment);
 }
 
+// The classifier as first written: every table entry compared in turn with the start of the
+// word, a-z folded to capitals.
+Markup ClassifyEntryByEntry(const std::string& word) {
+  if (word.starts_with("!--")) return Markup::kComment;
+  for (std::string_view tag : kTagTable) {
+    if (tag.empty()) break;
+    bool matches = word.size() >= tag.size();
+    for (size_t at = 0; matches && at < tag.size(); ++at) {
+      char ch = word[at];
+      matches = (ch >= 'a' && ch <= 'z' ? ch - 'a' + 'A' : ch) == tag[at];
+    }
+    if (matches) return Markup::kKnownTag;
+  }
+  return Markup::kNone;
+}
+
+// Every word of up to three bytes from the bytes that matter, then longer random ones.
+TEST(TagTableTest, MatchesComparingEveryEntry) {
+  const std::string bytes = "aAbBdDhHlLmMoOpPrRsStTuUvVzZ0169/!- <>\t\xE1\xFF";
+  std::vector<std::string> words = {""};
+  for (size_t length = 0, from = 0; length < 3; ++length) {
+    size_t to = words.size();
+    for (size_t at = from; at < to; ++at) {
+      for (char ch : bytes) words.push_back(words[at] + ch);
+    }
+    from = to;
+  }
+  std::mt19937 random(1776);
+  for (int round = 0; round < 20'000; ++round) {
+    std::string word(kTagTable[random() % kTagTableEntries]);
+    for (char& ch : word) {
+      if (random() % 2) ch = static_cast<char>(std::tolower(static_cast<unsigned char>(ch)));
+      if (random() % 8 == 0) ch = bytes[random() % bytes.size()];
+    }
+    words.push_back(word.substr(0, random() % (word.size() + 1)) + bytes[random() % bytes.size()]);
+  }
+  for (const std::string& word : words)
+    ASSERT_EQ(Classify(word.c_str()), ClassifyEntryByEntry(word)) << word;
+}
+
 TEST(HtmlDocumentTest, BuildsTheFlatElementList) {
   const std::pair<std::string, std::vector<std::string>> cases[] = {
       {"<p>Hello</p>", {"p", "TEXT_DATA[TEXT=Hello]", "/p"}},
@@ -90,6 +131,9 @@ TEST(HtmlDocumentTest, StopsAtByte255AndGivesUpTagNamesOf64Characters) {
   EXPECT_EQ(ParseAndDescribe("<" + name63 + " a=1>"), Lines{name63 + "[a=1]"});
   EXPECT_EQ(ParseAndDescribe("<" + name64 + " rest>"), Lines{"TEXT_DATA[TEXT=rest>]"});
   EXPECT_EQ(ParseAndDescribe("<" + name64), Lines{});
+  // A stray "<" counts toward the length; one that opens markup ends the name.
+  EXPECT_EQ(ParseAndDescribe("<" + name63 + "<zz>"), Lines{"TEXT_DATA[TEXT=zz>]"});
+  EXPECT_EQ(ParseAndDescribe("<" + name63.substr(1) + "<p>"), (Lines{name63.substr(1), "p"}));
   HtmlElement element;  // the name's fixed room refuses a longer one outright
   EXPECT_TRUE(element.SetName(name64));
   EXPECT_FALSE(element.SetName(name64 + "x"));
@@ -150,16 +194,24 @@ TEST(HtmlDocumentTest, ReadingTheBodyTextDirectlyMatchesTheElementList) {
       "<td style=\"font-family:Helvetica,Arial,sans-serif;x<y\" TEXT='a "
       "long line of text that runs on < and on'>",
       "<a href=https://news.example.com/?utm_source=newsletter&amp;u=1>",
-      "<font TEXTlong-attribute-name-that-runs-past-a-block=v>"};
+      "<font TEXTlong-attribute-name-that-runs-past-a-block=v>",
+      // Malformed markup: unclosed tags and quotes, names cut by "<", references cut short.
+      "<p", "<b class=\"x", "<td\t", "< /p >", "<div<p>", "<" + std::string(63, 'v') + "<p>",
+      "<" + std::string(64, 'w'), "<body", "</bod", "&am", "p;", "&#3", "8;", "&l", "t;", "<br /",
+      ">", "<!", "-->", "--", "<!-", "'", "\"", "=", "<x=y>", "\x85/"};
   std::mt19937 random(515);
-  for (int round = 0; round < 1500; ++round) {
+  for (int round = 0; round < 4000; ++round) {
     std::string page;
     for (int k = static_cast<int>(random() % 30); k > 0; --k) {
       page += pieces[random() % std::size(pieces)];
     }
     HtmlDocument document;
     document.Parse(page.c_str());
-    ASSERT_EQ(HtmlDocument::ReadBodyText(page.c_str()), document.CollectBodyText()) << page;
+    CString collected = document.CollectBodyText();
+    ASSERT_EQ(HtmlDocument::ReadBodyText(page.c_str()), collected) << page;
+    std::u16string decoded = u"left over";
+    HtmlDocument::ReadDecodedBodyTextInto(page.c_str(), decoded);
+    ASSERT_EQ(CString(std::move(decoded)), HtmlEntityDecoder().Decode(collected)) << page;
   }
 }
 
