@@ -170,30 +170,20 @@ bool NameAt(std::u16string_view text, size_t start, std::u16string_view name) {
   return true;
 }
 
-// An empty name: every line that begins with a colon, in the same two passes as below.
-FoundValue AnyLineValue(const PreparedBlock& block, int occurrence) {
-  for (LineEnds lineEnds : {LineEnds::kCrLf, LineEnds::kLf}) {
-    int seen = 0;
-    for (size_t start : block.lineStarts) {
-      if (lineEnds == LineEnds::kCrLf && block.text[start - 2] != u'\r') continue;
-      if (!NameAt(block.text, start, {})) continue;
-      if (seen++ >= occurrence) return {start + 1, lineEnds};
-    }
-    if (seen > 0) return {};
-  }
-  return {};
-}
-
 // The lines that begin with `name` and a colon: after a CR LF in the first pass, after any
 // LF in the second, which is made only when the first finds none. As the search above.
 FoundValue IndexedValue(const PreparedBlock& block, std::u16string_view name, int occurrence) {
-  if (name.empty()) return AnyLineValue(block, occurrence);
-  const char16_t first = platform::ToLowerLetter(name[0]);
   std::u16string_view firsts = block.lineFirsts;
+  const char16_t first = name.empty() ? u'\0' : platform::ToLowerLetter(name[0]);
+  // The next line from `line` that may begin with the name: any line for an empty name, else
+  // one that begins with its first letter.
+  auto candidateFrom = [&](size_t line) {
+    if (!name.empty()) return platform::FindUnit(firsts, first, line);
+    return line < firsts.size() ? line : firsts.npos;
+  };
   for (LineEnds lineEnds : {LineEnds::kCrLf, LineEnds::kLf}) {
     int seen = 0;
-    for (size_t line = platform::FindUnit(firsts, first); line != firsts.npos;
-         line = platform::FindUnit(firsts, first, line + 1)) {
+    for (size_t line = candidateFrom(0); line != firsts.npos; line = candidateFrom(line + 1)) {
       size_t start = block.lineStarts[line];
       if (lineEnds == LineEnds::kCrLf && block.text[start - 2] != u'\r') continue;
       if (!NameAt(block.text, start, name)) continue;
