@@ -114,9 +114,10 @@ ErrorCode DecodeBase64Blocks(StagedFile& staged, std::string_view encoded) {
 // Runs `save` on a fresh temporary file: kSaveImpossible when there is none, or when memory
 // runs out on the way.
 template <typename Save>
-int SaveStaged(const std::string& destination, Save save) {
+int SaveStaged(const std::string& destination, size_t encodedBytes, Save save) {
   try {
-    StagedFile staged(destination);
+    // Decoding never makes the data longer.
+    StagedFile staged(destination, encodedBytes);
     if (!staged.created()) return kSaveImpossible;
     return save(staged);
   } catch (const std::bad_alloc&) {
@@ -127,7 +128,7 @@ int SaveStaged(const std::string& destination, Save save) {
 }  // namespace
 
 int SaveBase64File(std::string_view encoded, const std::string& destination) {
-  return SaveStaged(destination, [&](StagedFile& staged) {
+  return SaveStaged(destination, encoded.size(), [&](StagedFile& staged) {
     ErrorCode error = DecodeBase64Blocks(staged, encoded);
     if (error == kErrorSuccess) error = staged.CopyToDestination();
     return error == kErrorDiskFull ? static_cast<int>(kErrorDiskFull) : kSaveSucceeded;
@@ -135,7 +136,7 @@ int SaveBase64File(std::string_view encoded, const std::string& destination) {
 }
 
 int SavePlainFile(std::string_view bytes, const std::string& destination) {
-  return SaveStaged(destination, [&](StagedFile& staged) -> int {
+  return SaveStaged(destination, bytes.size(), [&](StagedFile& staged) -> int {
     for (size_t at = 0; at < bytes.size(); at += kPlainChunkBytes) {
       ErrorCode error = staged.Write(bytes.substr(at, kPlainChunkBytes));
       if (error != kErrorSuccess) return static_cast<int>(error);
@@ -148,7 +149,7 @@ int SavePlainFile(std::string_view bytes, const std::string& destination) {
 int SaveQuotedPrintableFile(std::string_view encoded, const std::string& destination,
                             size_t chunkBytes) {
   if (chunkBytes == 0) chunkBytes = kPlainChunkBytes;
-  return SaveStaged(destination, [&](StagedFile& staged) {
+  return SaveStaged(destination, encoded.size(), [&](StagedFile& staged) {
     return SaveQuotedPrintableChunks(staged, encoded, chunkBytes);
   });
 }

@@ -39,7 +39,8 @@ bool FreePath(const std::string& path, const platform::TempFolderLook& look) {
 
 }  // namespace
 
-StagedFile::StagedFile(const std::string& destination) : destination_(destination) {
+StagedFile::StagedFile(const std::string& destination, size_t mostBytes)
+    : destination_(destination) {
   platform::TempFolderLook look;
   std::optional<std::string> folder = platform::PrivateTempFolder(&look);
   if (!folder) return;
@@ -50,6 +51,11 @@ StagedFile::StagedFile(const std::string& destination) : destination_(destinatio
   // name there (the path is freed first all the same), so nothing can be left behind.
   if (look.movable) {
     if (!FreePath(path_, look)) return;
+    if (mostBytes <= kWrittenAtOnceBytes) {
+      file_ = Files().CreateAtDestination(destination, look.device);
+      atDestination_ = unnamed_ = file_ != nullptr;
+      if (atDestination_) return;
+    }
     file_ = Files().CreateUnnamedBeside(destination, look.device);
     if (file_ == nullptr) file_ = Files().CreateUnnamed(path_, &error);
     unnamed_ = file_ != nullptr && file_->Unnamed();
@@ -66,7 +72,12 @@ StagedFile::StagedFile(const std::string& destination) : destination_(destinatio
 StagedFile::~StagedFile() {
   if (file_ == nullptr) return;
   file_.reset();
-  if (!moved_ && !unnamed_) Files().Remove(path_);
+  if (moved_) return;
+  if (atDestination_) {
+    Files().Remove(destination_);
+  } else if (!unnamed_) {
+    Files().Remove(path_);
+  }
 }
 
 ErrorCode StagedFile::Write(std::string_view bytes) {
@@ -75,6 +86,12 @@ ErrorCode StagedFile::Write(std::string_view bytes) {
 }
 
 ErrorCode StagedFile::CopyToDestination() {
+  if (atDestination_) {
+    // The data is where it belongs once the file is closed; a close that fails leaves it to go.
+    ErrorCode closed = file_->Close();
+    moved_ = closed == platform::kErrorSuccess;
+    return closed;
+  }
   // A disk that fills up may say so only when the file is closed: that error comes first.
   return Files().CloseAndCopy(*file_, path_, destination_, &moved_);
 }

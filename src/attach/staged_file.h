@@ -39,9 +39,19 @@ class FreeTempPath {
 // what it gives a copy). The file is deleted again when the object goes, whatever happened in
 // between, so no call leaves it behind. Only one save may run at a time: they all share the
 // one path.
+//
+// A small save (at most kWrittenAtOnceBytes to write, which every saver writes in one go) is
+// written straight into a new destination instead, when the host can make it there on the
+// temporary folder's file system: staging buys nothing for a single write, and naming a staged
+// file costs a small save about as much as writing it. A failed write or close removes the new
+// file again, so a failed save still leaves nothing under the destination name. An existing
+// destination is always replaced through a staged file, in one step.
 class StagedFile {
  public:
-  explicit StagedFile(const std::string& destination);
+  static constexpr size_t kWrittenAtOnceBytes = 131'072;
+
+  // `mostBytes`: no more than this is written.
+  StagedFile(const std::string& destination, size_t mostBytes);
   ~StagedFile();
   StagedFile(const StagedFile&) = delete;
   StagedFile& operator=(const StagedFile&) = delete;
@@ -60,6 +70,7 @@ class StagedFile {
   std::unique_ptr<platform::File> file_;  // kept, closed, after CopyTo
   bool moved_ = false;                    // CopyTo moved the file: its path is free
   bool unnamed_ = false;                  // the file never had the path
+  bool atDestination_ = false;            // made as the destination itself
 };
 
 }  // namespace mailslice::attach

@@ -83,6 +83,16 @@ class FileSystem {
     (void)device;
     return nullptr;
   }
+  // Creates `destination` itself, new, for data small enough to be written in one go: the file
+  // a copy made there would be (see CreateUnnamedBeside). Only a new name will do, and only a
+  // folder on the file system `device`; null otherwise (nothing is left behind then), and where
+  // the host cannot tell the file system of a file.
+  virtual std::unique_ptr<File> CreateAtDestination(const std::string& destination,
+                                                    uint64_t device) {
+    (void)destination;
+    (void)device;
+    return nullptr;
+  }
   // Copies `from` to `to`, replacing `to`; the destination changes only once the copy is
   // complete, so a failed copy leaves no partial file under the destination name.
   virtual ErrorCode Copy(const std::string& from, const std::string& to) = 0;

@@ -243,6 +243,20 @@ class LinuxFileSystem final : public FileSystem {
     return std::make_unique<PosixFile>(descriptor, true, true, true);
   }
 
+  std::unique_ptr<File> CreateAtDestination(const std::string& destination,
+                                            uint64_t device) override {
+    int descriptor =
+        open(destination.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
+    if (descriptor < 0) return nullptr;
+    struct stat status;
+    if (fstat(descriptor, &status) != 0 || static_cast<uint64_t>(status.st_dev) != device) {
+      close(descriptor);
+      unlink(destination.c_str());
+      return nullptr;
+    }
+    return std::make_unique<PosixFile>(descriptor);
+  }
+
   ErrorCode Copy(const std::string& from, const std::string& to) override {
     ErrorCode error = kErrorSuccess;
     auto source = OpenFileForReading(from, &error);

@@ -81,6 +81,10 @@ class FailingFiles final : public FileSystem {
     std::unique_ptr<File> file = host_.CreateNew(path, error);
     return file ? std::make_unique<FailingFile>(std::move(file), *this) : nullptr;
   }
+  std::unique_ptr<File> CreateAtDestination(Path destination, uint64_t device) override {
+    std::unique_ptr<File> file = host_.CreateAtDestination(destination, device);
+    return file ? std::make_unique<FailingFile>(std::move(file), *this) : nullptr;
+  }
   ErrorCode Copy(Path from, Path to) override {
     return copyFailure != 0 ? copyFailure : host_.Copy(from, to);
   }
@@ -119,31 +123,44 @@ class FailingFiles final : public FileSystem {
 };
 
 TEST(AttachmentSaverTest, FailedSavesLeaveNothingBehind) {
-  // What fails (a write past so many bytes, the close, the copy), and what each saver answers:
-  // the Base64 saver reports only a full disk, any other failure still answers 1 (but the
-  // destination never gets the partial file).
+  // What fails (a write past a share of the body, the close, the copy), and what each saver
+  // answers: the Base64 saver reports only a full disk, any other failure still answers 1 (but
+  // the destination never gets the partial file).
   const struct {
     ErrorCode write;
-    size_t writableBytes;
+    size_t writableDivisor;  // the body's size over the bytes that can be written
     ErrorCode close, copy;
     int results[3];  // Base64, plain, quoted-printable
-  } failures[] = {{112, 0, 0, 0, {112, 112, 112}},        {112, 200'000, 0, 0, {112, 112, 112}},
-                  {29, 1000, 0, 0, {1, 29, 29}},          {0, SIZE_MAX, 112, 0, {112, 112, 112}},
-                  {0, SIZE_MAX, 0, 112, {112, 112, 112}}, {0, SIZE_MAX, 0, 5, {1, 5, 5}}};
-  std::string body = RandomBytes(600'000, 1);
+  } failures[] = {{112, SIZE_MAX, 0, 0, {112, 112, 112}}, {112, 3, 0, 0, {112, 112, 112}},
+                  {29, 600, 0, 0, {1, 29, 29}},           {0, 1, 112, 0, {112, 112, 112}},
+                  {0, 1, 0, 112, {112, 112, 112}},        {0, 1, 0, 5, {1, 5, 5}}};
   FailingFiles files;
   mailslice::platform::ScopedFileSystem scope(files);
-  for (const auto& failure : failures) {
-    files.writeFailure = failure.write;
-    files.writableBytes = failure.writableBytes;
-    files.closeFailure = failure.close;
-    files.copyFailure = failure.copy;
-    for (int i = 0; i < 3; ++i) {
-      SCOPED_TRACE(::testing::Message() << kSavers[i].name << " failing " << failure.write << "/"
-                                        << failure.close << "/" << failure.copy);
-      SaveScratch scratch;
-      EXPECT_EQ(kSavers[i].save(kSavers[i].encode(body), scratch.Path("out")), failure.results[i]);
-      EXPECT_FALSE(scratch.HoldsTempFile() || scratch.Holds("out"));
+  // A large body goes through a staged file, a small one straight to the destination (where a
+  // copy that fails cannot happen: its close is the last step).
+  for (size_t size : {size_t{600'000}, size_t{6'000}}) {
+    std::string body = RandomBytes(size, 1);
+    for (const auto& failure : failures) {
+      bool staged = size > 100'000;
+      files.writeFailure = failure.write;
+      files.writableBytes =
+          failure.writableDivisor == 1 ? SIZE_MAX : size / failure.writableDivisor;
+      files.closeFailure = failure.close;
+      files.copyFailure = failure.copy;
+      for (int i = 0; i < 3; ++i) {
+        SCOPED_TRACE(::testing::Message()
+                     << kSavers[i].name << " of " << size << " failing " << failure.write << "/"
+                     << failure.close << "/" << failure.copy);
+        SaveScratch scratch;
+        int result = kSavers[i].save(kSavers[i].encode(body), scratch.Path("out"));
+        if (staged || failure.copy == 0) {
+          EXPECT_EQ(result, failure.results[i]);
+          EXPECT_FALSE(scratch.HoldsTempFile() || scratch.Holds("out"));
+        } else {
+          EXPECT_EQ(result, 1);
+          EXPECT_EQ(Contents(scratch.Path("out")), body);
+        }
+      }
     }
   }
 }
@@ -172,6 +189,16 @@ TEST(AttachmentSaverTest, FullVolumeGives112) {
     EXPECT_EQ(saver.save(encoded, scratch.Path("small/out")), 112);  // the copy fills it
     EXPECT_TRUE(fs::is_empty(small));
     EXPECT_FALSE(scratch.HoldsTempFile());
+  }
+  // A small save written straight into its new destination on a volume that is nearly full:
+  // the write fails and the new file goes again.
+  std::ofstream(small + "/filler") << std::string(240'000, 'x');
+  mailslice::testing::ScopedEnv temp("MAILSLICE_TEMP", small);
+  std::string smallBody = RandomBytes(40'000, 3);
+  for (const Saver& saver : kSavers) {
+    SCOPED_TRACE(saver.name);
+    EXPECT_EQ(saver.save(saver.encode(smallBody), scratch.Path("small/out")), 112);
+    EXPECT_FALSE(scratch.Holds("small/out"));
   }
 }
 
