@@ -285,7 +285,7 @@ CString LookupFieldInBlock(std::u16string_view headerBlock, std::u16string_view 
 
 CString LookupField(const char* message, std::u16string_view name, int occurrence) {
   thread_local LastBlock last;
-  std::string codePage = platform::AnsiCodePageName();
+  const std::string& codePage = platform::AnsiCodePageName();
   if (const PreparedBlock* block = last.Holding(message, codePage)) {
     return FindField(*block, name, occurrence);
   }
@@ -294,7 +294,7 @@ CString LookupField(const char* message, std::u16string_view name, int occurrenc
   if (bytes->size() > kMaxKeptHeaderBytes) {
     return LookupFieldInBlock(platform::AnsiToWide(*bytes), name, occurrence);
   }
-  return FindField(last.Of(message, *bytes, std::move(codePage)), name, occurrence);
+  return FindField(last.Of(message, *bytes, codePage), name, occurrence);
 }
 
 }  // namespace mailslice::header

@@ -25,10 +25,9 @@ constexpr const char* kFallbackCodePage = "CP1252";
 constexpr char16_t kReplacementCharacter = 0xFFFD;
 constexpr char kDefaultCharacter = '?';
 
-std::string IconvName(unsigned codePage) {
+// The iconv name of a code page other than the device's.
+std::string OtherIconvName(unsigned codePage) {
   switch (codePage) {
-    case kAnsiCodePage:
-      return AnsiCodePageName();
     case kUtf7CodePage:
       return "UTF-7";
     case kUtf8CodePage:
@@ -46,6 +45,14 @@ std::string IconvName(unsigned codePage) {
     default:
       return "CP" + std::to_string(codePage);
   }
+}
+
+// The iconv name of `codePage`. The device's is lent by the settings (a conversion asks for
+// it every time); another is made into `made`.
+const std::string& IconvName(unsigned codePage, std::string& made) {
+  if (codePage == kAnsiCodePage) return AnsiCodePageName();
+  made = OtherIconvName(codePage);
+  return made;
 }
 
 // iconv descriptors are costly to open; each thread keeps the ones it used.
@@ -239,15 +246,17 @@ std::optional<std::u16string> CharsetToWide(std::string_view charset, std::strin
 }
 
 std::u16string MultiByteToWideThroughIconv(unsigned codePage, std::string_view bytes) {
-  return IconvToWide(IconvName(codePage), bytes);
+  std::string made;
+  return IconvToWide(IconvName(codePage, made), bytes);
 }
 
 std::string WideToMultiByteThroughIconv(unsigned codePage, std::u16string_view text) {
-  return IconvToNarrow(IconvName(codePage), text);
+  std::string made;
+  return IconvToNarrow(IconvName(codePage, made), text);
 }
 
 std::string WideToMultiByteUntilFailureThroughIconv(std::u16string_view text) {
-  return IconvToNarrowUntilFailure(IconvName(kAnsiCodePage), text.substr(0, text.find(u'\0')));
+  return IconvToNarrowUntilFailure(AnsiCodePageName(), text.substr(0, text.find(u'\0')));
 }
 
 namespace {
@@ -262,10 +271,11 @@ std::u16string NamedToWide(const std::string& name, std::string_view bytes) {
 }  // namespace
 
 std::u16string MultiByteToWide(unsigned codePage, std::string_view bytes) {
-  return NamedToWide(IconvName(codePage), bytes);
+  std::string made;
+  return NamedToWide(IconvName(codePage, made), bytes);
 }
 
-AnsiReader::AnsiReader() : name_(IconvName(kAnsiCodePage)), fast_(name_, kExactConversions) {}
+AnsiReader::AnsiReader() : name_(AnsiCodePageName()), fast_(name_, kExactConversions) {}
 
 std::u16string AnsiReader::Widen(std::string_view bytes) const {
   std::u16string wide;
@@ -285,7 +295,8 @@ std::string WideToMultiByte(unsigned codePage, std::u16string_view text) {
 }
 
 void WideToMultiByte(unsigned codePage, std::u16string_view text, std::string& narrow) {
-  std::string name = IconvName(codePage);
+  std::string made;
+  const std::string& name = IconvName(codePage, made);
   size_t done = FastPrefixToNarrow(name, text, narrow, kExactConversions);
   if (done < text.size()) narrow += IconvToNarrow(name, text.substr(done));
 }
@@ -298,13 +309,13 @@ std::string WideToMultiByteUntilFailure(std::u16string_view text) {
 
 void WideToMultiByteUntilFailure(std::u16string_view text, std::string& narrow) {
   text = text.substr(0, FindUnit(text, u'\0'));
-  std::string name = IconvName(kAnsiCodePage);
+  const std::string& name = AnsiCodePageName();
   size_t done = FastPrefixToNarrow(name, text, narrow, kExactConversions, true);
   if (done < text.size()) narrow += IconvToNarrowUntilFailure(name, text.substr(done));
 }
 
 std::u16string WideThroughAnsi(std::u16string text, bool untilFailure) {
-  std::string name = IconvName(kAnsiCodePage);
+  const std::string& name = AnsiCodePageName();
   bool cut = false;
   size_t done = FastRoundTrip(name, text, untilFailure, cut, kExactConversions);
   if (cut || done == text.size()) {
@@ -327,7 +338,7 @@ std::u16string Utf8ThroughAnsi(std::string_view utf8, bool untilFailure) {
 
 void Utf8ThroughAnsi(std::string_view utf8, bool untilFailure, std::u16string& shown) {
   size_t taken =
-      FastUtf8ThroughPage(IconvName(kAnsiCodePage), utf8, untilFailure, shown, kExactConversions);
+      FastUtf8ThroughPage(AnsiCodePageName(), utf8, untilFailure, shown, kExactConversions);
   if (taken == utf8.size()) return;
   std::u16string rest = MultiByteToWide(kUtf8CodePage, utf8.substr(taken));
   shown.append(WideThroughAnsi(std::move(rest), untilFailure));
@@ -336,7 +347,7 @@ void Utf8ThroughAnsi(std::string_view utf8, bool untilFailure, std::u16string& s
 size_t Utf8ThroughAnsi(std::string_view utf8, bool untilFailure, std::u16string& shown,
                        char* narrowed) {
   size_t narrowedCount = std::string::npos;
-  size_t taken = FastUtf8ThroughPage(IconvName(kAnsiCodePage), utf8, untilFailure, shown,
+  size_t taken = FastUtf8ThroughPage(AnsiCodePageName(), utf8, untilFailure, shown,
                                      kExactConversions, narrowed, &narrowedCount);
   if (taken == utf8.size()) return narrowedCount;
   // The bytes written lie behind those taken: the rest is read as it came.
@@ -346,15 +357,14 @@ size_t Utf8ThroughAnsi(std::string_view utf8, bool untilFailure, std::u16string&
 }
 
 size_t Utf8ThroughAnsiPage(std::string_view utf8, bool untilFailure, char* page, size_t* written) {
-  return FastUtf8ToPage(IconvName(kAnsiCodePage), utf8, untilFailure, page, written,
-                        kExactConversions);
+  return FastUtf8ToPage(AnsiCodePageName(), utf8, untilFailure, page, written, kExactConversions);
 }
 
 const AnsiReader& DeviceAnsiReader() {
   // Short texts (field values, parameters) are widened by the thousand: the reader of the
   // device code page is kept for as long as the page stays the same.
   thread_local std::optional<AnsiReader> reader;
-  if (!reader || reader->name() != IconvName(kAnsiCodePage)) reader.emplace();
+  if (!reader || reader->name() != AnsiCodePageName()) reader.emplace();
   return *reader;
 }
 

@@ -3,11 +3,11 @@
 #include <pwd.h>
 #include <unistd.h>
 
+#include <array>
 #include <bit>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <new>
 #include <string_view>
 
 #include "platform/environment_pass.h"
@@ -30,15 +30,46 @@ constexpr EnvironmentNames kNames(kVariableNames);
 
 thread_local SettingsScope* g_scope = nullptr;
 
-// The last pass over the environment on this thread, kept from call to call: every export call
-// asks for settings, and the environment seldom changes between calls. It is used again only
-// while the environment holds the same entries (see EnvironmentPass::Unchanged); the values
-// are read from those entries anew at every call, so a value changed in place is seen too.
-thread_local EnvironmentPass g_pass;
+constexpr uint32_t BitOf(size_t index) { return uint32_t{1} << index; }
+constexpr uint32_t kLanguageBit = BitOf(static_cast<size_t>(Setting::kLanguage));
+constexpr uint32_t kCodePageBit = BitOf(static_cast<size_t>(Setting::kCodePage));
+
+// What this thread last read of the settings, kept from call to call: every export call asks
+// for settings, and they seldom change between calls.
+struct KeptSettings {
+  // The last pass over the environment. It is used again only while the environment holds the
+  // same entries (see EnvironmentPass::Unchanged); the values are read from those entries anew
+  // at every call, so a value changed in place is seen too.
+  EnvironmentPass pass;
+  // The value of each setting as last read (empty when unset), and a bit per setting that was
+  // set. A value read again is compared with the kept one and copied only when it differs.
+  std::array<std::string, kVariableNames.size()> values;
+  uint32_t present = 0;
+  // Worked out from the kept values; dropped when a value they come from changes.
+  std::optional<int> languageCode;
+  bool codePageNameKnown = false;
+  std::string codePageName;  // never destroyed before the thread ends: it is lent out
+
+  // Forgets what was worked out from the settings of `changed` (bits).
+  void Changed(uint32_t changed) {
+    if ((changed & kLanguageBit) != 0) languageCode.reset();
+    if ((changed & (kLanguageBit | kCodePageBit)) != 0) codePageNameKnown = false;
+  }
+};
+
+thread_local KeptSettings g_kept;
+
+// Whether the NUL-terminated `value` reads `kept`; no byte past the value's NUL is read.
+bool SameValue(const std::string& kept, const char* value) {
+  for (size_t at = 0; at < kept.size(); ++at) {
+    if (value[at] != kept[at]) return false;  // a NUL in `value` differs: `kept` has none
+  }
+  return value[kept.size()] == '\0';
+}
 
 // Runs `read` in the open scope, or in a scope of its own for a reading outside any.
 template <typename Read>
-auto InScope(Read read) {
+decltype(auto) InScope(Read read) {
   if (g_scope != nullptr) return read(*g_scope);
   SettingsScope scope{SettingsScope::Alone{}};
   return read(scope);
@@ -87,19 +118,28 @@ SettingsScope::SettingsScope() : outermost_(g_scope == nullptr) {
 
 SettingsScope::~SettingsScope() {
   if (outermost_) g_scope = nullptr;
-  for (uint32_t left = present_; left != 0; left &= left - 1) {
-    slots_[static_cast<size_t>(std::countr_zero(left))].value.~basic_string();
-  }
+}
+
+const std::string* SettingsScope::Variable(Setting setting) {
+  if ((kept_ & Bit(setting)) == 0) Read(Bit(setting));
+  auto index = static_cast<size_t>(setting);
+  return (g_kept.present & BitOf(index)) != 0 ? &g_kept.values[index] : nullptr;
 }
 
 void SettingsScope::Read(uint32_t settings) {
-  if (!g_pass.Unchanged(environ)) g_pass.Read(kNames, environ);
+  KeptSettings& kept = g_kept;
+  if (!kept.pass.Unchanged(environ)) kept.pass.Read(kNames, environ);
   for (uint32_t left = settings; left != 0; left &= left - 1) {
     auto index = static_cast<size_t>(std::countr_zero(left));
-    const char* value = g_pass.Value(index);
-    if (value != nullptr && *value != '\0') {
-      new (&slots_[index].value) std::string(value);
-      present_ |= uint32_t{1} << index;
+    const char* value = kept.pass.Value(index);
+    bool set = value != nullptr && *value != '\0';
+    bool wasSet = (kept.present & BitOf(index)) != 0;
+    if (set ? wasSet && SameValue(kept.values[index], value) : !wasSet) continue;
+    kept.Changed(BitOf(index));
+    kept.present &= ~BitOf(index);
+    if (set) {
+      kept.values[index].assign(value);
+      kept.present |= BitOf(index);
     }
   }
   kept_ |= settings;
@@ -111,15 +151,18 @@ int DeviceType() {
 }
 
 int LanguageCode() {
-  // Asked at every conversion: once worked out, it is taken straight from the scope.
+  // Asked at every conversion: once worked out in this call, it is taken straight from the
+  // scope.
   if (g_scope != nullptr && g_scope->languageCode_) return *g_scope->languageCode_;
-  return InScope([](SettingsScope& scope) {
-    if (!scope.languageCode_) {
-      KeepLanguageSettings(scope);
-      scope.languageCode_ = IntegerVariable(scope, Setting::kLanguage, 1);
-    }
-    return *scope.languageCode_;
-  });
+  return InScope(SettingsScope::WorkOutLanguageCode);
+}
+
+int SettingsScope::WorkOutLanguageCode(SettingsScope& scope) {
+  KeepLanguageSettings(scope);
+  KeptSettings& kept = g_kept;
+  if (!kept.languageCode) kept.languageCode = IntegerVariable(scope, Setting::kLanguage, 1);
+  scope.languageCode_ = kept.languageCode;
+  return *kept.languageCode;
 }
 
 std::string CodePageNameForLanguage(int languageCode) {
@@ -139,16 +182,21 @@ std::string CodePageNameForLanguage(int languageCode) {
   }
 }
 
-std::string AnsiCodePageName() {
-  if (g_scope != nullptr && g_scope->codePageName_) return *g_scope->codePageName_;
-  return InScope([](SettingsScope& scope) {
-    if (!scope.codePageName_) {
-      KeepLanguageSettings(scope);
-      const std::string* name = scope.Variable(Setting::kCodePage);
-      scope.codePageName_ = name != nullptr ? *name : CodePageNameForLanguage(LanguageCode());
-    }
-    return *scope.codePageName_;
-  });
+const std::string& AnsiCodePageName() {
+  if (g_scope != nullptr && g_scope->codePageName_ != nullptr) return *g_scope->codePageName_;
+  return InScope(SettingsScope::WorkOutCodePageName);
+}
+
+const std::string& SettingsScope::WorkOutCodePageName(SettingsScope& scope) {
+  KeepLanguageSettings(scope);
+  KeptSettings& kept = g_kept;
+  if (!kept.codePageNameKnown) {
+    const std::string* name = scope.Variable(Setting::kCodePage);
+    kept.codePageName = name != nullptr ? *name : CodePageNameForLanguage(LanguageCode());
+    kept.codePageNameKnown = true;
+  }
+  scope.codePageName_ = &kept.codePageName;
+  return kept.codePageName;
 }
 
 std::optional<std::string> MessagesFolder() {

@@ -4,7 +4,6 @@
 #ifndef MAILSLICE_PLATFORM_DEVICE_SETTINGS_H
 #define MAILSLICE_PLATFORM_DEVICE_SETTINGS_H
 
-#include <array>
 #include <cstdint>
 #include <initializer_list>
 #include <optional>
@@ -32,6 +31,10 @@ enum class Setting : uint8_t {
 // the environment; a setting first asked for later, in this call or a later one, takes its
 // value from that pass while the environment holds the same entries. Scopes nest; the
 // outermost keeps the settings.
+//
+// The values read, and the language code and code page worked out from them, are kept by the
+// thread from call to call and used again while each value reads the same: a call mostly finds
+// the settings as the call before left them.
 class SettingsScope {
  public:
   SettingsScope();
@@ -44,11 +47,8 @@ class SettingsScope {
   SettingsScope& operator=(const SettingsScope&) = delete;
 
   // The variable of `setting` as the environment gave it when it was first asked for in this
-  // scope; null when it was unset or empty.
-  const std::string* Variable(Setting setting) {
-    if ((kept_ & Bit(setting)) == 0) Read(Bit(setting));
-    return (present_ & Bit(setting)) != 0 ? &slots_[static_cast<size_t>(setting)].value : nullptr;
-  }
+  // scope; null when it was unset or empty. It stays as it is until the scope ends.
+  const std::string* Variable(Setting setting);
   // Asks for the variables of several settings at once, as a setting worked out from them
   // does.
   void Keep(std::initializer_list<Setting> settings) {
@@ -59,37 +59,34 @@ class SettingsScope {
 
  private:
   friend int LanguageCode();
-  friend std::string AnsiCodePageName();
-  static constexpr size_t kSettingCount = static_cast<size_t>(Setting::kCount);
+  friend const std::string& AnsiCodePageName();
   static constexpr uint32_t Bit(Setting setting) {
     return uint32_t{1} << static_cast<unsigned>(setting);
   }
 
-  // Reads and keeps the variables of `settings` (bits), none of them kept yet.
+  // Reads the variables of `settings` (bits), none of them read in this scope yet, into the
+  // values the thread keeps.
   void Read(uint32_t settings);
-
-  // A variable's value, made only when the variable is set: most are never asked for.
-  union Slot {
-    Slot() {}
-    ~Slot() {}
-    std::string value;
-  };
+  // The language code and code page name in `scope`, worked out once it has asked for their
+  // variables (or taken from the thread while those read as before).
+  static int WorkOutLanguageCode(SettingsScope& scope);
+  static const std::string& WorkOutCodePageName(SettingsScope& scope);
 
   bool outermost_;
-  uint32_t kept_ = 0;     // a bit per setting whose variable has been read
-  uint32_t present_ = 0;  // a bit per setting whose variable was set, its value in slots_
-  std::array<Slot, kSettingCount> slots_;
-  // The two settings every conversion asks for, as worked out from the variables.
+  uint32_t kept_ = 0;  // a bit per setting whose variable has been read in this scope
+  // The two settings every conversion asks for, once worked out in this scope.
   std::optional<int> languageCode_;
-  std::optional<std::string> codePageName_;
+  const std::string* codePageName_ = nullptr;
 };
 
 // MAILSLICE_DEVICE_TYPE, default 0 (no size limit).
 int DeviceType();
 // MAILSLICE_LANGUAGE, default 1.
 int LanguageCode();
-// MAILSLICE_CODEPAGE, else the iconv name that goes with the language code.
-std::string AnsiCodePageName();
+// MAILSLICE_CODEPAGE, else the iconv name that goes with the language code. The name is kept
+// by the thread and stays as it is until the call ends (outside any call, until the settings
+// are next asked for).
+const std::string& AnsiCodePageName();
 // The iconv name of the ANSI code page of a language code.
 std::string CodePageNameForLanguage(int languageCode);
 // MAILSLICE_MESSAGES; nothing when unset (the built-in catalogs serve).

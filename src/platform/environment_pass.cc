@@ -66,9 +66,19 @@ void EnvironmentPass::Read(const EnvironmentNames& names, char* const* environme
 bool EnvironmentPass::Unchanged(char* const* environment) const {
   if (!done_ || tooLarge_ || environment != environment_) return false;
   if (environment == nullptr) return true;
-  // No remembered entry is null, so the comparison stops at the end of a shorter array.
-  for (size_t at = 0; at < entryCount_; ++at) {
-    if (environment[at] != entries_[at]) return false;
+  // No remembered entry is null, so an entry is read only when the one before it matched: the
+  // comparison stops at the end of a shorter array. Four at a time, as a compare and a branch
+  // each, for the comparison is made at every call.
+  const char* const* remembered = entries_.data();
+  size_t at = 0;
+  for (; at + 4 <= entryCount_; at += 4) {
+    if (environment[at] != remembered[at] || environment[at + 1] != remembered[at + 1] ||
+        environment[at + 2] != remembered[at + 2] || environment[at + 3] != remembered[at + 3]) {
+      return false;
+    }
+  }
+  for (; at < entryCount_; ++at) {
+    if (environment[at] != remembered[at]) return false;
   }
   return environment[entryCount_] == nullptr;
 }
