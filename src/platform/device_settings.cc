@@ -129,7 +129,8 @@ const std::string* SettingsScope::Variable(Setting setting) {
 void SettingsScope::Read(uint32_t settings) {
   KeptSettings& kept = g_kept;
   if (!kept.pass.Unchanged(environ)) kept.pass.Read(kNames, environ);
-  for (uint32_t left = settings; left != 0; left &= left - 1) {
+  // A setting neither set before nor found now is still unset: most are.
+  for (uint32_t left = settings & (kept.present | kept.pass.Found()); left != 0; left &= left - 1) {
     auto index = static_cast<size_t>(std::countr_zero(left));
     const char* value = kept.pass.Value(index);
     bool set = value != nullptr && *value != '\0';

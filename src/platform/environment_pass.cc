@@ -47,6 +47,7 @@ void EnvironmentPass::Read(const EnvironmentNames& names, char* const* environme
   std::fill_n(values_.begin(), names.size(), nullptr);
   environment_ = environment;
   entryCount_ = 0;
+  found_ = 0;
   tooLarge_ = false;
   done_ = true;
   if (environment == nullptr) return;
@@ -56,7 +57,10 @@ void EnvironmentPass::Read(const EnvironmentNames& names, char* const* environme
     const char* value = nullptr;
     size_t index = NameOf(names, *entry, value);
     // getenv gives the first entry of a name, so a later one is passed over.
-    if (index < names.size() && values_[index] == nullptr) values_[index] = value;
+    if (index < names.size() && values_[index] == nullptr) {
+      values_[index] = value;
+      found_ |= uint32_t{1} << index;
+    }
   }
   entryCount_ = static_cast<size_t>(entry - environment);
   tooLarge_ = entryCount_ > kRememberedEntries;

@@ -84,6 +84,8 @@ class EnvironmentPass {
   // The value getenv gave for name `index` at the pass (pointing into the environment's own
   // entry), or null when the name was missing.
   const char* Value(size_t index) const { return values_[index]; }
+  // A bit for each name (by its index) that the pass found.
+  uint32_t Found() const { return found_; }
 
   // Whether `environment` is still the one read: the same array holding the same entries.
   // setenv, putenv and unsetenv change an entry or the number of entries, and a caller that
@@ -96,6 +98,7 @@ class EnvironmentPass {
   bool tooLarge_ = false;
   char* const* environment_ = nullptr;
   size_t entryCount_ = 0;
+  uint32_t found_ = 0;
   // Filled by Read; not cleared before, so a scope that never reads costs nothing.
   std::array<const char*, EnvironmentNames::kMaxNames> values_;
   std::array<char*, kRememberedEntries> entries_;

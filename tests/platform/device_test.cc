@@ -134,6 +134,43 @@ TEST(DeviceTest, EveryWayOfChangingTheEnvironmentShowsAtTheNextCall) {
   EXPECT_EQ(device.GetCurrentLanguageCode(), 1);
 }
 
+// The code page name and language code worked out in one call are kept for the next while
+// their variables read the same: each change, even one made in place, must show.
+TEST(DeviceTest, TheCodePageFollowsItsVariablesFromCallToCall) {
+  using mailslice::platform::AnsiCodePageName;
+  using mailslice::platform::LanguageCode;
+  auto inCall = [] {
+    mailslice::platform::SettingsScope call;
+    return std::to_string(LanguageCode()) + " " + AnsiCodePageName();
+  };
+  ScopedEnv language("MAILSLICE_LANGUAGE", "81");
+  ScopedEnv page("MAILSLICE_CODEPAGE", std::nullopt);
+  EXPECT_EQ(inCall(), "81 CP932");
+  const std::string& lent = AnsiCodePageName();
+
+  static char handedPage[] = "MAILSLICE_CODEPAGE=CP1251";
+  putenv(handedPage);
+  EXPECT_EQ(inCall(), "81 CP1251");
+  handedPage[24] = '0';  // rewritten in place, same length
+  EXPECT_EQ(inCall(), "81 CP1250");
+  EXPECT_EQ(lent, "CP1250");  // the name lent before follows at the next call
+  unsetenv("MAILSLICE_CODEPAGE");
+  EXPECT_EQ(inCall(), "81 CP932");
+
+  static char handedLanguage[] = "MAILSLICE_LANGUAGE=8\0";
+  putenv(handedLanguage);
+  EXPECT_EQ(inCall(), "8 CP1252");
+  handedLanguage[20] = '1';  // "8" grows to "81" in place
+  EXPECT_EQ(inCall(), "81 CP932");
+  EXPECT_EQ(AnsiCodePageName(), "CP932");  // outside any call as well
+  handedLanguage[20] = '\0';
+  EXPECT_EQ(AnsiCodePageName(), "CP1252");
+  handedLanguage[19] = '\0';  // empty: as if unset
+  EXPECT_EQ(inCall(), "1 CP1252");
+  setenv("MAILSLICE_LANGUAGE", "82", 1);
+  EXPECT_EQ(inCall(), "82 CP949");
+}
+
 TEST(TempFolderTest, DefaultFolderIsPrivateAndALinkIsRefused) {
   ScratchFolder root;
   ScopedEnv chosen("MAILSLICE_TEMP", std::nullopt);

@@ -94,6 +94,7 @@ TEST(EnvironmentPassTest, FindsWhatGetenvFindsInOnePass) {
       // The very pointer getenv gives: the first entry of the name wins.
       EXPECT_EQ(pass.Value(index), environment.Getenv(name.c_str()))
           << name << " in round " << round;
+      EXPECT_EQ((pass.Found() >> index) & 1, pass.Value(index) != nullptr ? 1u : 0u) << name;
     }
   }
 }
