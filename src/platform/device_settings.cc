@@ -59,12 +59,10 @@ struct KeptSettings {
 
 thread_local KeptSettings g_kept;
 
-// Whether the NUL-terminated `value` reads `kept`; no byte past the value's NUL is read.
+// Whether the NUL-terminated `value` reads `kept`; strncmp stops at the value's NUL, and
+// `kept` holds none before its own.
 bool SameValue(const std::string& kept, const char* value) {
-  for (size_t at = 0; at < kept.size(); ++at) {
-    if (value[at] != kept[at]) return false;  // a NUL in `value` differs: `kept` has none
-  }
-  return value[kept.size()] == '\0';
+  return std::strncmp(value, kept.c_str(), kept.size() + 1) == 0;
 }
 
 // Runs `read` in the open scope, or in a scope of its own for a reading outside any.
