@@ -69,16 +69,26 @@ __attribute__((target("avx2"))) size_t CandidatesAvx2(std::string_view text, siz
   }
   constexpr size_t kStep = kBlock * kBlocksPerStep;
   size_t at = from, count = 0;
-  for (; at + kStep + kPrefixBytes - 1 <= text.size() && count + kStep <= room; at += kStep) {
-    __m256i stems[kBlocksPerStep];
-    __m256i any = _mm256_setzero_si256();
-    for (size_t block = 0; block < kBlocksPerStep; ++block) {
-      stems[block] = StemsAt(text.data() + at + block * kBlock, halves);
-      any = _mm256_or_si256(any, stems[block]);
-    }
-    if (_mm256_testz_si256(any, any)) continue;
-    for (size_t block = 0; block < kBlocksPerStep; ++block) {
-      count = Keep(stems[block], text, at + block * kBlock, tables, out, count);
+  if (text.size() >= kStep + kPrefixBytes - 1) {
+    // The last place a step may start at: its loads end at the text's end.
+    const size_t lastStep = text.size() - (kStep + kPrefixBytes - 1);
+    while (at <= lastStep && count + kStep <= room) {
+      __m256i stems[kBlocksPerStep];
+      for (;;) {
+        __m256i any = _mm256_setzero_si256();
+        for (size_t block = 0; block < kBlocksPerStep; ++block) {
+          stems[block] = StemsAt(text.data() + at + block * kBlock, halves);
+          any = _mm256_or_si256(any, stems[block]);
+        }
+        if (!_mm256_testz_si256(any, any)) break;
+        at += kStep;
+        if (at > lastStep) break;
+      }
+      if (at > lastStep) break;
+      for (size_t block = 0; block < kBlocksPerStep; ++block) {
+        count = Keep(stems[block], text, at + block * kBlock, tables, out, count);
+      }
+      at += kStep;
     }
   }
   for (; at + kBlock + kPrefixBytes - 1 <= text.size() && count + kBlock <= room; at += kBlock) {
