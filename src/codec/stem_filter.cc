@@ -14,29 +14,35 @@ constexpr size_t kBlock = 32;
 // mostly ends in one test for "nothing here".
 constexpr size_t kBlocksPerStep = 2;
 
-// The tables of the second and third bytes, a copy of each in both lanes.
+// The tables the vector filter uses, a copy of each in both lanes: the low halves of all three
+// bytes and the high half of the second byte. The second byte is matched exactly; the first and
+// third only by their low halves, which in mail text passes few more places than matching them
+// exactly and costs a third of it.
 struct HalfTables {
-  __m256i byLow[kPrefixBytes - 1];
-  __m256i byHigh[kPrefixBytes - 1];
+  __m256i byLow[kPrefixBytes];
+  __m256i byHigh;
 };
 
-// For each of the 32 places at `block`, the stems whose second and third bytes stand there. The
-// low half needs no mask: a byte of 0x80 or more looks up zero, and no stem holds such a byte.
+// For each of the 32 places at `block`, the stems the filter lets through there. The low halves
+// need no mask: a byte of 0x80 or more looks up zero, and no stem holds such a byte.
 __attribute__((target("avx2"))) inline __m256i StemsAt(const char* block,
                                                        const HalfTables& halves) {
   const __m256i halfMask = _mm256_set1_epi8(0x0F);
   __m256i stems = _mm256_set1_epi8(-1);
-  for (size_t k = 0; k + 1 < kPrefixBytes; ++k) {
-    __m256i bytes = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(block + k + 1));
-    __m256i high = _mm256_and_si256(_mm256_srli_epi16(bytes, 4), halfMask);
-    stems = _mm256_and_si256(stems, _mm256_and_si256(_mm256_shuffle_epi8(halves.byLow[k], bytes),
-                                                     _mm256_shuffle_epi8(halves.byHigh[k], high)));
+  for (size_t k = 0; k < kPrefixBytes; ++k) {
+    __m256i bytes = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(block + k));
+    stems = _mm256_and_si256(stems, _mm256_shuffle_epi8(halves.byLow[k], bytes));
+    if (k == 1) {
+      __m256i high = _mm256_and_si256(_mm256_srli_epi16(bytes, 4), halfMask);
+      stems = _mm256_and_si256(stems, _mm256_shuffle_epi8(halves.byHigh, high));
+    }
   }
   return stems;
 }
 
-// The places of a block where some stem's second and third bytes stand, looked at one by one
-// with the first byte's table; those that keep a stem are added at out[count].
+// The places of a block the filter let through, looked at one by one with the tables of the
+// first and third bytes; those that keep a stem are added at out[count]. The block's loads
+// reached the third byte of its last place.
 __attribute__((target("avx2"))) inline size_t Keep(__m256i stems, std::string_view text, size_t at,
                                                    const StemFilter::Tables& tables, Candidate* out,
                                                    size_t count) {
@@ -45,28 +51,30 @@ __attribute__((target("avx2"))) inline size_t Keep(__m256i stems, std::string_vi
   if (places == 0) return count;
   alignas(kBlock) uint8_t bits[kBlock];
   _mm256_store_si256(reinterpret_cast<__m256i*>(bits), stems);
+  const auto* bytes = reinterpret_cast<const uint8_t*>(text.data());
   for (; places != 0; places &= places - 1) {
     size_t place = at + static_cast<size_t>(__builtin_ctz(places));
-    unsigned bitsHere = bits[place - at] & tables.byByte[0][static_cast<uint8_t>(text[place])];
+    unsigned bitsHere =
+        bits[place - at] & tables.byByte[0][bytes[place]] & tables.byByte[2][bytes[place + 2]];
     if (bitsHere != 0) out[count++] = {place, bitsHere};
   }
   return count;
 }
 
-// Thirty-two places at a time: the second and third bytes of each place are looked up by their
-// two halves in the tables of their places, and the places where some stem's bit survives both
-// are looked at one by one, with the first byte's table. Stops before a block whose candidates
-// might not fit in `room`, or before the last places, whose loads would read past the text.
+// Sixty-four places a step, in blocks of thirty-two: the bytes of each place are looked up by
+// their halves in the tables of their places, and the places where some stem's bit survives are
+// looked at one by one. Stops before a step whose candidates might not fit in `room`, or before
+// the last places, whose loads would read past the text.
 __attribute__((target("avx2"))) size_t CandidatesAvx2(std::string_view text, size_t& from,
                                                       const StemFilter::Tables& tables,
                                                       Candidate* out, size_t room) {
   HalfTables halves;
-  for (size_t k = 0; k + 1 < kPrefixBytes; ++k) {
+  for (size_t k = 0; k < kPrefixBytes; ++k) {
     halves.byLow[k] = _mm256_broadcastsi128_si256(
-        _mm_loadu_si128(reinterpret_cast<const __m128i*>(tables.byLowHalf[k + 1].data())));
-    halves.byHigh[k] = _mm256_broadcastsi128_si256(
-        _mm_loadu_si128(reinterpret_cast<const __m128i*>(tables.byHighHalf[k + 1].data())));
+        _mm_loadu_si128(reinterpret_cast<const __m128i*>(tables.byLowHalf[k].data())));
   }
+  halves.byHigh = _mm256_broadcastsi128_si256(
+      _mm_loadu_si128(reinterpret_cast<const __m128i*>(tables.byHighHalf[1].data())));
   constexpr size_t kStep = kBlock * kBlocksPerStep;
   size_t at = from, count = 0;
   if (text.size() >= kStep + kPrefixBytes - 1) {
