@@ -19,7 +19,8 @@ class StemFilter {
   static constexpr size_t kMostStems = 8;
   static constexpr size_t kPrefixBytes = 3;
 
-  // One to kMostStems stems of kPrefixBytes bytes or more, kept as they are given (constants).
+  // One to kMostStems stems of kPrefixBytes ASCII bytes or more, kept as they are given
+  // (constants).
   StemFilter(std::initializer_list<std::string_view> stems);
 
   // Calls found(stem, place) for every place in `text` where a stem stands (overlapping places

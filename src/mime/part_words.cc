@@ -36,15 +36,17 @@ constexpr std::string_view kSpellings[kPartWordCount] = {
     "name=",
 };
 
-// The words share a few stems; a stem starts with three bytes that ordinary text seldom holds,
-// so that a pass over a long body finds few places to look at closely.
+// The words share a few stems. The scan looks first for a stem's second and third bytes, so
+// those are a pair that ordinary text and Base64 seldom hold ("tt" rather than "ta", "e=" rather
+// than "am"), and a pass over a long body stops at few places.
 constexpr std::string_view kVersionStem = "-Version: 1.0";
 constexpr std::string_view kContentStem = "nt-";
-constexpr std::string_view kBoundaryStem = "ndary";
-constexpr std::string_view kCapitalsStem = "NDARY=";
+constexpr std::string_view kBoundaryStem = "ary";
+constexpr std::string_view kCapitalsStem = "ARY=";
 constexpr std::string_view kCharsetStem = "et=";
-constexpr std::string_view kAttachStem = "tta";
-constexpr std::string_view kNameStem = "nam";
+constexpr std::string_view kAttachStem = "atta";
+constexpr std::string_view kNameStem = "me=";
+constexpr std::string_view kEncodedNameStem = "me*";
 
 // A word found through the stem it holds, as the bytes in front of the stem and behind it.
 struct Member {
@@ -77,11 +79,12 @@ constexpr Member kAttachMembers[] = {MemberOf(PartWord::kAttachment, kAttachStem
                                      MemberOf(PartWord::kAttachSemicolon, kAttachStem)};
 constexpr Member kNameMembers[] = {MemberOf(PartWord::kFileName, kNameStem),
                                    MemberOf(PartWord::kFileNameCapital, kNameStem),
-                                   MemberOf(PartWord::kFileNameFirstEncoded, kNameStem),
-                                   MemberOf(PartWord::kFileNameFirst, kNameStem),
-                                   MemberOf(PartWord::kFileNameSecond, kNameStem),
-                                   MemberOf(PartWord::kFileNameEncoded, kNameStem),
                                    MemberOf(PartWord::kName, kNameStem)};
+constexpr Member kEncodedNameMembers[] = {
+    MemberOf(PartWord::kFileNameFirstEncoded, kEncodedNameStem),
+    MemberOf(PartWord::kFileNameFirst, kEncodedNameStem),
+    MemberOf(PartWord::kFileNameSecond, kEncodedNameStem),
+    MemberOf(PartWord::kFileNameEncoded, kEncodedNameStem)};
 
 struct Family {
   std::string_view stem;
@@ -92,11 +95,12 @@ constexpr Family kFamilies[] = {
     {kVersionStem, kVersionMembers},   {kContentStem, kContentMembers},
     {kBoundaryStem, kBoundaryMembers}, {kCapitalsStem, kCapitalsMembers},
     {kCharsetStem, kCharsetMembers},   {kAttachStem, kAttachMembers},
-    {kNameStem, kNameMembers}};
+    {kNameStem, kNameMembers},         {kEncodedNameStem, kEncodedNameMembers}};
 
 const codec::StemFilter& Filter() {
-  static const codec::StemFilter filter{kVersionStem, kContentStem, kBoundaryStem, kCapitalsStem,
-                                        kCharsetStem, kAttachStem,  kNameStem};
+  static const codec::StemFilter filter{kVersionStem,  kContentStem,    kBoundaryStem,
+                                        kCapitalsStem, kCharsetStem,    kAttachStem,
+                                        kNameStem,     kEncodedNameStem};
   return filter;
 }
 

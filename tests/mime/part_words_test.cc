@@ -37,7 +37,8 @@ constexpr PartWord kAllWords[] = {PartWord::kMimeVersion,
 static_assert(std::size(kAllWords) == kPartWordCount);
 
 // Texts made of the words, their stems and pieces of them, so that words overlap, break off
-// and stand at every distance from the scan's block edges.
+// and stand at every distance from the scan's block edges; bytes of 0x80 and more, which share
+// a low half with stem bytes, stand among them.
 std::string RandomText(std::mt19937& random) {
   static const char* const pieces[] = {"Content-",
                                        "Type:",
@@ -59,16 +60,24 @@ std::string RandomText(std::mt19937& random) {
                                        "Boundary",
                                        "ndary",
                                        "NDARY=",
+                                       "ary",
+                                       "ARY",
+                                       "y =",
+                                       "Y=",
                                        " =",
                                        "=",
                                        "attach",
                                        "tta",
+                                       "atta",
                                        "ment",
                                        ";",
                                        "file",
                                        "File",
                                        "name",
                                        "nam",
+                                       "me",
+                                       "e=",
+                                       "e*",
                                        "*0*",
                                        "*0",
                                        "*1",
@@ -76,7 +85,9 @@ std::string RandomText(std::mt19937& random) {
                                        "x",
                                        "\r\n",
                                        "--",
-                                       "ab"};
+                                       "ab",
+                                       "\xAD",
+                                       "\xE5t="};
   std::string text;
   for (size_t count = random() % 40; count > 0; --count) {
     text += pieces[random() % std::size(pieces)];
