@@ -177,6 +177,12 @@ bool MovesAsCopied(int file, const std::string& to) {
   return !GivesDefaultAcl(folder);
 }
 
+// Whether the open file is on the file system `device` (as stat gives it).
+bool OnFileSystem(int descriptor, uint64_t device) {
+  struct stat status;
+  return fstat(descriptor, &status) == 0 && static_cast<uint64_t>(status.st_dev) == device;
+}
+
 // A name beside `path` that nobody uses yet, for building a file before it takes its place.
 std::string SiblingTempName(const std::string& path) {
   static std::mt19937_64 generator{std::random_device{}()};
@@ -235,8 +241,7 @@ class LinuxFileSystem final : public FileSystem {
     int descriptor =
         open(ContainingFolder(destination).c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0666);
     if (descriptor < 0) return nullptr;
-    struct stat status;
-    if (fstat(descriptor, &status) != 0 || static_cast<uint64_t>(status.st_dev) != device) {
+    if (!OnFileSystem(descriptor, device)) {
       close(descriptor);
       return nullptr;
     }
@@ -248,8 +253,7 @@ class LinuxFileSystem final : public FileSystem {
     int descriptor =
         open(destination.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
     if (descriptor < 0) return nullptr;
-    struct stat status;
-    if (fstat(descriptor, &status) != 0 || static_cast<uint64_t>(status.st_dev) != device) {
+    if (!OnFileSystem(descriptor, device)) {
       close(descriptor);
       unlink(destination.c_str());
       return nullptr;
